@@ -1,0 +1,3 @@
+#!/bin/sh
+# The older name of the media server's script.
+exec /etc/rc.d/mediaserver.sh "$@"

@@ -1,0 +1,49 @@
+/* Takes the place of the C library's sleep, usleep and sync, for the test programs by being part
+ * of them and for the programs that they run by being loaded first. */
+#include "tests/recorded_calls.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+const char* const kCommandLog = "/var/log/commands";
+
+namespace {
+
+int sleeps_left = 0;
+std::function<void()> sleep_action;
+
+/* Opened anew each time: detached processes close every descriptor that they inherit. */
+void record(const std::string& line) {
+  const int log = open(kCommandLog, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  if (log < 0 || write(log, line.data(), line.size()) != static_cast<ssize_t>(line.size())) abort();
+  close(log);
+}
+
+}  // namespace
+
+void set_sleep_action(int nth, std::function<void()> action) {
+  sleeps_left = nth;
+  sleep_action = std::move(action);
+}
+
+extern "C" {
+
+__attribute__((visibility("default"))) unsigned sleep(unsigned seconds) {
+  record("sleep " + std::to_string(seconds) + "\n");
+  if (sleeps_left > 0 && --sleeps_left == 0) sleep_action();
+  return 0;
+}
+
+__attribute__((visibility("default"))) int usleep(useconds_t microseconds) {
+  record("usleep " + std::to_string(microseconds) + "\n");
+  return 0;
+}
+
+__attribute__((visibility("default"))) void sync() {
+  record("sync\n");
+}
+}

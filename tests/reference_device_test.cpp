@@ -1,0 +1,123 @@
+/* The reference device and the fixture themselves: what every other test relies on. */
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "tests/device_test.h"
+
+namespace {
+
+class ReferenceDeviceTest : public DeviceTest {};
+
+TEST_F(ReferenceDeviceTest, CommandsAndWaitsAreLoggedInOrderWithEachArgumentOnItsOwn) {
+  EXPECT_EQ(system("/bin/cp -f /etc/hosts '/tmp/a b'"), 0);
+  sleep(2);
+  sync();
+  EXPECT_EQ(system("/usr/sbin/smbpasswd -a \"$(printf 'x\\ny')\" ''"), 0);
+  EXPECT_EQ(system("echo secret | /usr/bin/smbpasswd -s"), 0);
+  EXPECT_EQ(commands(), Strings({"/bin/cp [-f] [/etc/hosts] [/tmp/a b]", "sleep 2", "sync",
+                                 "/usr/sbin/smbpasswd [-a] [x\\x0Ay] []",
+                                 "/usr/bin/smbpasswd [-s] <secret\\x0A>"}));
+  EXPECT_EQ(read("/tmp/a b"), read("/etc/hosts"));
+}
+
+TEST_F(ReferenceDeviceTest, PlannedCallFailsWithoutDoingItsWork) {
+  EXPECT_EQ(system("/bin/cp /etc/hosts /tmp/0"), 0);
+  fail_command("cp", 2, 3);
+  kill_command("cp", 3, SIGKILL);
+  EXPECT_EQ(system("/bin/cp /etc/hosts /tmp/1"), 0);
+  EXPECT_EQ(WEXITSTATUS(system("/bin/cp /etc/hosts /tmp/2")), 3);
+  EXPECT_EQ(system("/bin/cp /etc/hosts /tmp/3"), SIGKILL); /* the shell became cp */
+  EXPECT_EQ(system("/bin/cp /etc/hosts /tmp/4"), 0);
+  EXPECT_TRUE(exists("/tmp/1") && !exists("/tmp/2") && !exists("/tmp/3") && exists("/tmp/4"));
+}
+
+TEST_F(ReferenceDeviceTest, CopyGoesThroughTheLinksOfTheAccountFiles) {
+  const Snapshot before = snapshot();
+  write("/tmp/tmpfile.a1B2c3", "root:x:0:0::/:/bin/sh\n");
+  EXPECT_EQ(system("/bin/cp -f /tmp/tmpfile.a1B2c3 /etc/passwd"), 0);
+  EXPECT_EQ(changes(before), Strings({"~/harddisk/volume_1/conf/passwd", "+/tmp/tmpfile.XXXXXX"}));
+}
+
+/* Two halves of one test: what the first leaves behind must be gone in the second. */
+class RenewalTest : public DeviceTest {
+ protected:
+  static inline Snapshot first_;
+};
+
+TEST_F(RenewalTest, First) {
+  first_ = snapshot();
+  mount_volume(2);
+  EXPECT_NE(read("/proc/mounts").find(" /harddisk/volume_2 tmpfs "), std::string::npos);
+  unmount_volume(1);
+  write("/harddisk/volume_2/conf/passwd", "x");
+  EXPECT_EQ(system("rm -r /etc/samba /home; mkdir /etc/hosts2; chmod 0 /etc/share.info;"
+                   "chown 7:7 /var/run; rm /etc/passwd; echo > /etc/passwd; mkdir -p /tmp/a/b"),
+            0);
+  fail_command("cp", 0);
+  EXPECT_NE(changes(first_), Strings());
+}
+
+TEST_F(RenewalTest, Second) {
+  EXPECT_EQ(changes(first_), Strings());
+  EXPECT_EQ(commands(), Strings());
+  EXPECT_EQ(system("/bin/cp /etc/hosts /tmp/a"), 0);
+}
+
+TEST_F(ReferenceDeviceTest, DetachedProcessIsWaitedForWhateverItCloses) {
+  const unsigned result = in_process([] {
+    if (fork() != 0) return 7u;
+    for (int descriptor = 0; descriptor < 64; ++descriptor) close(descriptor);
+    (void)setsid();
+    if (fork() != 0) _exit(0);
+    sleep(1);
+    (void)system("/bin/killall inetd");
+    return 8u; /* comes back out of the call, as a copy of the caller */
+  });
+  EXPECT_EQ(result, 7u);
+  wait_for_background();
+  EXPECT_EQ(commands(), Strings({"sleep 1", "/bin/killall [inetd]"}));
+}
+
+TEST_F(ReferenceDeviceTest, ActionRunsWithinTheNthSleep) {
+  at_sleep(2, [] { write("/tmp/seen", "x"); });
+  sleep(1);
+  EXPECT_FALSE(exists("/tmp/seen"));
+  sleep(1);
+  EXPECT_TRUE(exists("/tmp/seen"));
+}
+
+TEST_F(ReferenceDeviceTest, ProgramsRunWithTheirInputAndOutput) {
+  const Outcome outcome = run({"sh", "-c", "cat; echo bad >&2; exit 3"}, "good\n");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "good\n");
+  EXPECT_EQ(outcome.error, "bad\n");
+}
+
+TEST_F(ReferenceDeviceTest, SmallVolumeFillsUp) {
+  mount_volume(2, "16k");
+  EXPECT_NE(system("dd if=/dev/zero of=/harddisk/volume_2/data/x bs=1k count=32 2>/dev/null"), 0);
+}
+
+}  // namespace
+in_process([] {
+  char* volatile p = new char[77];
+  p = nullptr;
+  (void)p;
+  return 0u;
+});
+}
+if (fork() == 0) {
+  char* volatile p = new char[77];
+  p[0] = 1;
+  delete[] p;
+  p[0] = 2;
+  _exit(0);
+}
+}
+char* volatile p = new char[77];
+p = nullptr;
+(void)p;
+}
