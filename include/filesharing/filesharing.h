@@ -3,6 +3,7 @@
 #define FILESHARING_FILESHARING_H
 
 #include "filesharing/conf.h"
+#include "filesharing/groups.h"
 #include "filesharing/results.h"
 #include "filesharing/types.h"
 #include "filesharing/users.h"

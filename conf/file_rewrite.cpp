@@ -1,0 +1,107 @@
+#include "conf/file_rewrite.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "conf/line_reader.h"
+#include "conf/shell.h"
+#include "platform/utility/utility.h"
+
+namespace filesharing {
+
+FileRewrite::FileRewrite(std::string path, const RewriteOptions& options)
+    : path_(std::move(path)), options_(options) {}
+
+Result FileRewrite::open() {
+  if (options_.opens_source_first) {
+    return in_order([&] { return open_source(); }, [&] { return open_target(); });
+  }
+  if (!temporary_.make(options_.place)) {
+    return options_.no_temporary;
+  }
+  const Result opened = in_order([&] { return open_source(); }, [&] { return open_target(); });
+  if (opened != FSH_OK && options_.leaves_unopened) {
+    temporary_.leave();
+  }
+  return opened;
+}
+
+Result FileRewrite::open_source() {
+  if (!options_.reads_source) {
+    return FSH_OK;
+  }
+  source_ = open_stream(path_, "r");
+  return source_ ? FSH_OK : options_.cannot_open;
+}
+
+Result FileRewrite::open_target() {
+  if (temporary_.path().empty() && !temporary_.make(options_.place)) {
+    return options_.no_temporary;
+  }
+  target_ = open_stream(temporary_.path(), "w");
+  return target_ ? FSH_OK : options_.cannot_open;
+}
+
+void FileRewrite::write_rest_of_source() {
+  write(read_rest(source()));
+}
+
+Result FileRewrite::commit(const CopyBack& copy_back) {
+  source_.reset();
+  bool copied = close_written(std::move(target_));
+  if (copied) {
+    if (copy_back.sync_before) {
+      sync();
+    }
+    copied = copy(copy_back);
+    if (copy_back.sync_after == Sync::kAlways ||
+        (copied && copy_back.sync_after == Sync::kOnSuccess)) {
+      sync();
+    }
+  }
+  if (!copied) {
+    temporary_.remove();
+    return copy_back.failure;
+  }
+  if (copy_back.settle_seconds > 0) {
+    sleep(copy_back.settle_seconds);
+  }
+  if (copy_back.leaves_temporary) {
+    temporary_.leave();
+  }
+  temporary_.remove();
+  return FSH_OK;
+}
+
+bool FileRewrite::copy(const CopyBack& copy_back) const {
+  int status = 0;
+  int cause = 0;
+  for (int run = 0; run < copy_back.runs; ++run) {
+    errno = 0;
+    status =
+        copy_back.through == Through::kSystem
+            ? run_command("/bin/cp -f %s %s 2>/dev/null", temporary_.path().c_str(), path_.c_str())
+            : SYSTEM("/bin/cp -f %s %s 2>/dev/null", temporary_.path().c_str(), path_.c_str());
+    cause = errno;
+  }
+  return status == 0 || (copy_back.forgives_echild && cause == ECHILD);
+}
+
+Result rewrite_lines(
+    const std::string& path, const RewriteOptions& options, const CopyBack& copy_back,
+    const std::function<Result(std::string_view line, FileRewrite& rewrite)>& edit) {
+  FileRewrite rewrite(path, options);
+  if (const Result failed = rewrite.open()) {
+    return failed;
+  }
+  for (LineReader line(rewrite.source()); line.next();) {
+    if (const Result failed = edit(line.text(), rewrite)) {
+      return failed;
+    }
+  }
+  return rewrite.commit(copy_back);
+}
+
+}  // namespace filesharing

@@ -1,0 +1,44 @@
+// Iterates the lines of a stream, whole or in pieces of a limited length.
+#ifndef FILESHARING_CONF_LINE_READER_H
+#define FILESHARING_CONF_LINE_READER_H
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace filesharing {
+
+// Pieces of at most `most` characters; a line feed is part of the piece that it ends. Every byte is
+// delivered, zero bytes too.
+class PieceReader {
+ public:
+  PieceReader(std::FILE* stream, std::size_t most) : stream_(stream), most_(most) {}
+
+  // Reads the next piece. False at the end of the file.
+  bool next();
+
+  // Skips what is left of the line of the current piece.
+  void skip_rest_of_line();
+
+  std::string_view text() const { return text_; }
+  bool starts_line() const { return starts_line_; }
+  bool ends_line() const { return !text_.empty() && text_.back() == '\n'; }
+
+ private:
+  std::FILE* stream_;
+  std::size_t most_;
+  std::string text_;
+  bool starts_line_ = false;
+  bool at_line_start_ = true;
+};
+
+// Whole lines of any length, each with its line feed if it has one.
+class LineReader : public PieceReader {
+ public:
+  explicit LineReader(std::FILE* stream) : PieceReader(stream, std::string::npos) {}
+};
+
+}  // namespace filesharing
+
+#endif

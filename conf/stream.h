@@ -1,0 +1,36 @@
+// An owned stream, closed when it goes out of scope.
+#ifndef FILESHARING_CONF_STREAM_H
+#define FILESHARING_CONF_STREAM_H
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace filesharing {
+
+struct CloseStream {
+  // What matters about closing a written stream is asked with close_written; here it is too late.
+  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
+};
+
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+// Null when the file can not be opened. The descriptor is not passed on to commands.
+Stream open_stream(const std::string& path, const char* mode);
+
+// Writes every byte of text; a failure shows in ferror and so in close_written.
+void write_text(std::FILE* stream, std::string_view text);
+
+// Closes a stream that was written to. False when a byte of it could not be written.
+[[nodiscard]] bool close_written(Stream stream);
+
+// Pushes what was written to the disk, and closes. False as close_written.
+[[nodiscard]] bool close_flushed(Stream stream);
+
+// The rest of the stream.
+std::string read_rest(std::FILE* stream);
+
+}  // namespace filesharing
+
+#endif

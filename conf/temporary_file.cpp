@@ -1,0 +1,59 @@
+#include "conf/temporary_file.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+#include "conf/paths.h"
+#include "conf/volumes.h"
+#include "filesharing/conf.h"
+
+namespace filesharing {
+
+namespace {
+
+// Kept: the doubled slash for the volumes 1 and 2 and the single one for volume 5.
+const char* template_on(int volume) {
+  switch (volume) {
+    case 1:
+      return "/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX";
+    case 2:
+      return "/harddisk/volume_2/conf//tmp/tmpfile.XXXXXX";
+    case 5:
+      return "/harddisk/volume_5/conf/tmp/tmpfile.XXXXXX";
+    default:
+      return paths::kTemporaryTemplate;
+  }
+}
+
+}  // namespace
+
+bool TemporaryFile::make(TemporaryPlace place) {
+  remove();
+  std::string path = place == TemporaryPlace::kTmp ? paths::kTemporaryTemplate
+                                                   : template_on(configuration_volume());
+  const int descriptor = mkstemp(path.data());
+  if (descriptor < 0) {
+    return false;
+  }
+  close(descriptor);
+  path_ = path;
+  return true;
+}
+
+void TemporaryFile::remove() {
+  if (!path_.empty()) {
+    unlink(path_.c_str());
+    path_.clear();
+  }
+}
+
+}  // namespace filesharing
+
+void GetTmpFileName(char* buf) {
+  if (buf != nullptr) {
+    std::strcpy(buf, filesharing::template_on(filesharing::configuration_volume()));
+  }
+}

@@ -1,0 +1,59 @@
+// Small operations on text that every room needs.
+#ifndef FILESHARING_CONF_TEXT_H
+#define FILESHARING_CONF_TEXT_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace filesharing {
+
+// printf into a string of any length.
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+
+inline bool missing(const char* text) {
+  return text == nullptr || *text == '\0';
+}
+
+// Fills a field of a record: cut to the field, always terminated, zero to its end.
+template <std::size_t N>
+void copy_field(char (&field)[N], std::string_view text) {
+  const std::size_t length = std::min(text.size(), N - 1);
+  std::memset(field, 0, N);
+  std::memcpy(field, text.data(), length);
+}
+
+bool equals_ignoring_case(std::string_view left, std::string_view right);
+bool starts_ignoring_case(std::string_view text, std::string_view prefix);
+
+// Without the carriage returns and line feeds at the end.
+std::string_view without_line_end(std::string_view text);
+
+std::string_view without_leading_blanks(std::string_view text);
+
+// An empty line, or one of a line end alone.
+bool is_blank_line(std::string_view line);
+
+// Number at the start of a text as atoi(3) reads it, but defined for numbers of any size: they stop
+// at the limits of the type.
+std::int32_t to_int(std::string_view text);
+std::int64_t to_long(std::string_view text);
+
+// Takes the text up to the next separator off the front of rest, and the separator with it. The
+// last item is what is left; rest is empty then.
+std::string_view take_until(std::string_view& rest, char separator);
+
+// The text before and behind the first separator; found is false without one, and head the whole.
+struct Halves {
+  bool found;
+  std::string_view head;
+  std::string_view tail;
+};
+Halves split_at(std::string_view text, char separator);
+
+}  // namespace filesharing
+
+#endif

@@ -1,0 +1,55 @@
+// A change of several account or share files that happens as a whole or not at all: locks, backup,
+// the change, and then either the mirror of the account files or the restore.
+#ifndef FILESHARING_CONF_TRANSACTION_H
+#define FILESHARING_CONF_TRANSACTION_H
+
+#include "conf/result.h"
+
+namespace filesharing {
+
+// What a failure of the change does. A change can set another one than the usual for some steps.
+enum class OnFailure {
+  kRestore,     // restore the files from their backups, then unlock
+  kUnlockOnly,  // nothing has been changed yet
+  kNothing,     // neither restore nor unlock
+};
+
+struct TransactionOptions {
+  int mask;              // of FshFile: locked, backed up and restored
+  Result busy = FSH_OK;  // the code when a lock is taken; nothing is unlocked then
+  bool locks = true;
+  bool backs_up = true;
+  bool mirrors = true;  // to the second disk, when the change succeeded
+  Result out_of_memory = FSH_NO_MEMORY;
+};
+
+class Transaction {
+ public:
+  explicit Transaction(const TransactionOptions& options) : options_(options) {}
+
+  // Takes the locks and the backup: FSH_OK, or the busy code.
+  Result begin();
+
+  // Ends the transaction: mirror and unlock after FSH_OK, else what on_failure says. Returns
+  // result.
+  Result end(Result result);
+
+  OnFailure on_failure = OnFailure::kRestore;
+
+ private:
+  TransactionOptions options_;
+};
+
+// Runs change(transaction), which returns FSH_OK or a code, as one transaction.
+template <class Change>
+Result transact(const TransactionOptions& options, Change&& change) {
+  Transaction transaction(options);
+  if (const Result busy = transaction.begin()) {
+    return busy;
+  }
+  return transaction.end(guarded(options.out_of_memory, [&] { return change(transaction); }));
+}
+
+}  // namespace filesharing
+
+#endif

@@ -1,0 +1,40 @@
+#include "users/account_line.h"
+
+#include "conf/text.h"
+
+namespace filesharing {
+
+namespace {
+
+constexpr std::int32_t kBuiltInUids[] = {500, 501, 502};
+constexpr std::int32_t kFirstUserUid = 2000;
+constexpr int kUsersGid = 501;
+
+}  // namespace
+
+std::optional<AccountId> parse_account_id(std::string_view line) {
+  const Halves name = split_at(line, ':');
+  const Halves hash = split_at(name.tail, ':');
+  const Halves uid = split_at(hash.tail, ':');
+  if (!name.found || !hash.found || !uid.found) {
+    return std::nullopt;
+  }
+  return AccountId{.name = name.head, .uid = to_int(uid.head)};
+}
+
+bool is_listed_uid(std::int32_t uid) {
+  for (const std::int32_t built_in : kBuiltInUids) {
+    if (uid == built_in) {
+      return true;
+    }
+  }
+  return uid >= kFirstUserUid;
+}
+
+std::string account_line(std::string_view name, const PasswordHash& hash, std::int32_t uid,
+                         std::string_view description) {
+  return format("%s:%s:%d:%d:%s:%s:/dev/null\n", std::string(name).c_str(), hash.first.c_str(), uid,
+                kUsersGid, std::string(description).c_str(), hash.second.c_str());
+}
+
+}  // namespace filesharing

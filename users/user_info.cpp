@@ -1,0 +1,97 @@
+// Looking up one user: the record, and the check of a password.
+#include <pwd.h>
+
+#include <cstring>
+
+#include "conf/member_list.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "filesharing/conf.h"
+#include "filesharing/users.h"
+#include "platform/profile/profile.h"
+#include "users/account_line.h"
+#include "users/password_hash.h"
+
+namespace filesharing {
+namespace {
+
+// The value of the "everyone" line: every user with its quota. Empty without one.
+std::string everyone_value(std::FILE* stream) {
+  const int length = PRO_GetStrLen(nullptr, "everyone", stream);
+  if (length < 1) {
+    return {};
+  }
+  std::string value(static_cast<std::size_t>(length) + 1, '\0');
+  if (FSH_GetStr(nullptr, "everyone", value.data(), length, stream) != FSH_OK) {
+    return {};
+  }
+  value.resize(std::strlen(value.c_str()));
+  return value;
+}
+
+Result fill_from_account(UserInfo& record) {
+  const passwd* account = getpwnam(record.name);
+  if (account == nullptr) {
+    return FSH_USER_UNKNOWN;
+  }
+  copy_field(record.description, account->pw_gecos);
+  record.uid = static_cast<std::int32_t>(account->pw_uid);
+  return FSH_OK;
+}
+
+Result fill_user_info(UserInfo& record) {
+  Stream stream = open_stream(paths::kUserGroups, "r");
+  if (!stream) {
+    return FSH_CANNOT_OPEN;
+  }
+  const std::string value = everyone_value(stream.get());
+  stream.reset();
+  if (without_leading_blanks(value).empty()) {
+    return FSH_USER_UNKNOWN;
+  }
+  MemberReader users(value);
+  while (users.next()) {
+    const Member& user = users.member();
+    if (user.name.size() > kMostUserNameCharacters) {
+      return FSH_USER_UNKNOWN;
+    }
+    if (user.name == record.name) {
+      copy_field(record.password, FSH_PASSWORD_PLACEHOLDER);
+      record.quota = static_cast<std::uint32_t>(to_long(user.number));
+      return fill_from_account(record);
+    }
+  }
+  return users.malformed() ? Result{FSH_USER_UNKNOWN} : fill_from_account(record);
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned GetUserInfo(UserInfo* record) {
+  using namespace filesharing;
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  record->name[sizeof record->name - 1] = '\0';
+  copy_field(record->description, "");
+  copy_field(record->password, "");
+  record->quota = 0;
+  return guarded<unsigned>(FSH_NO_MEMORY, [&] { return fill_user_info(*record); });
+}
+
+int IsUserPassCorrect(const char* name, const char* password) {
+  using namespace filesharing;
+  if (name == nullptr || password == nullptr) {
+    return 0;
+  }
+  return guarded(0, [&] {
+    const passwd* account = getpwnam(name);
+    if (account == nullptr) {
+      return 0;
+    }
+    const PasswordHash stored{.first = account->pw_passwd, .second = account->pw_dir};
+    return password_matches(password, stored) ? 1 : 0;
+  });
+}

@@ -1,0 +1,72 @@
+// All users with their fields and groups.
+#include <cstdlib>
+
+#include "conf/heap_list.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "filesharing/groups.h"
+#include "filesharing/users.h"
+
+namespace filesharing {
+namespace {
+
+Result append_user(HeapList<UserItem>& users, const char* name) {
+  UserInfo user{};
+  copy_field(user.name, name);
+  if (const Result failed = GetUserInfo(&user)) {
+    return failed;
+  }
+  UserItem& item = users.append();
+  item.user = user;
+  item.groups = allocate<GroupUserInfo>();
+  copy_field(item.groups->name, name);
+  return GetUserGroupInfo(item.groups);
+}
+
+Result read_users(UserItem** head) {
+  Stream stream = open_stream(paths::kUserGroups, "r");
+  if (!stream) {
+    return FSH_CANNOT_OPEN;
+  }
+  UserNameItem* first_name = nullptr;
+  if (const Result failed = GetUserNameList(&first_name)) {
+    return failed;
+  }
+  HeapList<UserNameItem> names(FreeUserNameList, first_name);
+  HeapList<UserItem> users(FreeUserList);
+  for (const UserNameItem* name = first_name; name != nullptr; name = name->next) {
+    if (const Result failed = append_user(users, name->name)) {
+      return failed;
+    }
+  }
+  *head = users.release();
+  // Kept: the stream stays open until the page ends.
+  static_cast<void>(stream.release());
+  return FSH_OK;
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned GetAllUser(UserItem** head) {
+  if (head == nullptr) {
+    return FSH_ARGUMENT;
+  }
+  *head = nullptr;
+  return filesharing::guarded<unsigned>(FSH_NO_MEMORY,
+                                        [&] { return filesharing::read_users(head); });
+}
+
+void FreeUserList(UserItem* head) {
+  filesharing::free_list(head, [](UserItem& item) {
+    if (item.groups == nullptr) {
+      return;
+    }
+    // Kept: the record and its array stay allocated; a page that lists the users ends soon after.
+    for (int i = 0; i < item.groups->count; ++i) {
+      std::free(item.groups->list[i]);
+    }
+  });
+}

@@ -1,0 +1,99 @@
+// The names of the listed users.
+#include <unistd.h>
+
+#include <cstring>
+
+#include "conf/heap_list.h"
+#include "conf/line_reader.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "filesharing/users.h"
+#include "users/account_line.h"
+
+namespace filesharing {
+namespace {
+
+Result read_user_names(UserNameItem** head) {
+  const Stream accounts = open_stream(paths::kPasswd, "r");
+  if (!accounts) {
+    return FSH_CANNOT_OPEN;
+  }
+  HeapList<UserNameItem> names(FreeUserNameList);
+  for (LineReader line(accounts.get()); line.next();) {
+    if (is_blank_line(line.text())) {
+      continue;
+    }
+    const Halves name = split_at(line.text(), ':');
+    if (!name.found) {
+      return FSH_MALFORMED;
+    }
+    if (name.head.size() > kMostUserNameCharacters) {
+      continue;
+    }
+    const auto account = parse_account_id(line.text());
+    if (!account) {
+      return FSH_MALFORMED;
+    }
+    if (is_listed_uid(account->uid)) {
+      copy_field(names.append().name, account->name);
+    }
+  }
+  *head = names.release();
+  sync();
+  return FSH_OK;
+}
+
+// The list of names while it is looked at; empty when the users can not be listed.
+class UserNames {
+ public:
+  UserNames() : listed_(GetUserNameList(&head_) == FSH_OK) {}
+  UserNames(const UserNames&) = delete;
+  UserNames& operator=(const UserNames&) = delete;
+  ~UserNames() { FreeUserNameList(listed_ ? head_ : nullptr); }
+
+  bool listed() const { return listed_; }
+  const UserNameItem* head() const { return listed_ ? head_ : nullptr; }
+
+ private:
+  UserNameItem* head_ = nullptr;
+  bool listed_;
+};
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned GetUserNameList(UserNameItem** head) {
+  if (head == nullptr) {
+    return FSH_ARGUMENT;
+  }
+  *head = nullptr;
+  return filesharing::guarded<unsigned>(FSH_NO_MEMORY,
+                                        [&] { return filesharing::read_user_names(head); });
+}
+
+void FreeUserNameList(UserNameItem* head) {
+  filesharing::free_list(head);
+}
+
+int UserExist(const char* name) {
+  const filesharing::UserNames names;
+  for (const UserNameItem* item = names.head(); item != nullptr; item = item->next) {
+    if (name != nullptr && std::strcmp(item->name, name) == 0) {
+      return 1;
+    }
+  }
+  return 0;
+}
+
+unsigned GetNumOfUsers(void) {
+  const filesharing::UserNames names;
+  if (!names.listed()) {
+    return FSH_FAILED;
+  }
+  unsigned count = 0;
+  for (const UserNameItem* item = names.head(); item != nullptr; item = item->next) {
+    ++count;
+  }
+  return count;
+}
