@@ -1,6 +1,7 @@
 // The fields of account lines and the names of member lists, read character by character. Each
 // reader asks whether its buffer is full before it reads, so that no character is lost between two
 // calls.
+#include <cstdio>
 #include <cstring>
 
 #include "filesharing/conf.h"

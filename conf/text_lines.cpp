@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "conf/line_reader.h"
+#include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/conf.h"

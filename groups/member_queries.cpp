@@ -34,6 +34,10 @@ class NameCollector {
 
   bool full() const { return names_.count == kMostNames; }
 
+  // Nothing that follows is looked at any more.
+  void end() { ended_ = true; }
+  bool ended() const { return ended_; }
+
   void add(std::string_view name) {
     names_.list[names_.count] = duplicate(name);
     ++names_.count;
@@ -46,6 +50,7 @@ class NameCollector {
 
  private:
   GroupUserInfo names_{};
+  bool ended_ = false;
 };
 
 Result collect_members(std::string_view value, GroupUserInfo& group) {
@@ -91,6 +96,7 @@ Result collect_group(std::string_view line, std::string_view user, NameCollector
       continue;
     }
     if (groups.full()) {
+      groups.end();
       return FSH_OK;
     }
     if (!groups.has_room()) {
@@ -107,7 +113,7 @@ Result read_groups(GroupUserInfo& user) {
     return FSH_CANNOT_OPEN;
   }
   NameCollector groups;
-  for (LineReader line(stream.get()); line.next();) {
+  for (LineReader line(stream.get()); !groups.ended() && line.next();) {
     if (const Result failed = collect_group(line.text(), user.name, groups)) {
       return failed;
     }
@@ -123,7 +129,7 @@ Result read_into(GroupUserInfo* record, ReadNames read) {
     return FSH_ARGUMENT;
   }
   record->name[sizeof record->name - 1] = '\0';
-  return guarded<Result>(FSH_NO_MEMORY, [&] { return read(*record); });
+  return guarded(FSH_NO_MEMORY, [&] { return read(*record); });
 }
 
 }  // namespace

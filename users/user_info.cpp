@@ -63,7 +63,7 @@ Result fill_user_info(UserInfo& record) {
       return fill_from_account(record);
     }
   }
-  return users.malformed() ? Result{FSH_USER_UNKNOWN} : fill_from_account(record);
+  return users.malformed() ? FSH_USER_UNKNOWN : fill_from_account(record);
 }
 
 }  // namespace
@@ -78,7 +78,7 @@ unsigned GetUserInfo(UserInfo* record) {
   copy_field(record->description, "");
   copy_field(record->password, "");
   record->quota = 0;
-  return guarded<unsigned>(FSH_NO_MEMORY, [&] { return fill_user_info(*record); });
+  return guarded(FSH_NO_MEMORY, [&] { return fill_user_info(*record); });
 }
 
 int IsUserPassCorrect(const char* name, const char* password) {

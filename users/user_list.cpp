@@ -55,8 +55,7 @@ unsigned GetAllUser(UserItem** head) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return filesharing::guarded<unsigned>(FSH_NO_MEMORY,
-                                        [&] { return filesharing::read_users(head); });
+  return filesharing::guarded(FSH_NO_MEMORY, [&] { return filesharing::read_users(head); });
 }
 
 void FreeUserList(UserItem* head) {

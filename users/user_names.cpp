@@ -68,8 +68,7 @@ unsigned GetUserNameList(UserNameItem** head) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return filesharing::guarded<unsigned>(FSH_NO_MEMORY,
-                                        [&] { return filesharing::read_user_names(head); });
+  return filesharing::guarded(FSH_NO_MEMORY, [&] { return filesharing::read_user_names(head); });
 }
 
 void FreeUserNameList(UserNameItem* head) {
