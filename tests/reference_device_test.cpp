@@ -102,22 +102,3 @@ TEST_F(ReferenceDeviceTest, SmallVolumeFillsUp) {
 }
 
 }  // namespace
-in_process([] {
-  char* volatile p = new char[77];
-  p = nullptr;
-  (void)p;
-  return 0u;
-});
-}
-if (fork() == 0) {
-  char* volatile p = new char[77];
-  p[0] = 1;
-  delete[] p;
-  p[0] = 2;
-  _exit(0);
-}
-}
-char* volatile p = new char[77];
-p = nullptr;
-(void)p;
-}
