@@ -30,10 +30,11 @@ PLATFORM_LAYOUT(sizeof(SambaServerParams) == 197);
 
 /* Switches Samba. "enable" writes the fields into the section "global" of /etc/samba/smb.conf as
  * the keys of smb.conf(5) ("server string", "workgroup", "dos charset", "printer name", "comment",
- * "wins server"), leaves every other line alone, stops smbd and nmbd where they run and starts them
- * anew. "disable" stops them and leaves the file alone. Waits at most ten seconds for a running
- * daemon to end. Returns 0; -1 when `params` is null, its state is neither text, the file can not
- * be replaced (nothing is then stopped or started) or a daemon does not start.
+ * "wins server"), leaves every other line alone, ends smbd and nmbd where they run and starts them
+ * anew. A code page that iconv(3) does not know becomes Samba's default. "disable" ends them and
+ * leaves the file alone. A daemon that has not ended after ten seconds is killed. Returns 0; -1
+ * when `params` is null, its state is neither text, the file can not be replaced (nothing is then
+ * ended or started) or a daemon does not start.
  */
 PLATFORM_API int SMBSetSamba(const SambaServerParams* params);
 

@@ -41,13 +41,20 @@ std::string text_of(const char (&field)[Size]) {
   return {field, strnlen(field, Size)};
 }
 
-// The iconv(3) name of a code page, as Samba asks for it. One that is unknown here would make Samba
-// complain and take its default: write that default.
+// A field's text as a value of smb.conf(5), where a backslash at the end would make the next line
+// part of this one.
+template <size_t Size>
+std::string value_of(const char (&field)[Size]) {
+  const std::string text = text_of(field);
+  return text.substr(0, text.find_last_not_of("\\ \t") + 1);
+}
+
+// The iconv(3) name of a code page, as Samba asks for it. With one that is unknown here (65001, for
+// one: clients that need this setting know no Unicode) Samba would take its default: write that.
 std::string charset_of(const std::string& code_page) {
   std::string name = "CP" + code_page;
-  // "UTF-8" (65001) is refused by Samba: clients that need this setting know no Unicode.
   const bool is_number = code_page.find_first_not_of("0123456789") == code_page.npos;
-  if (!is_number || code_page.empty() || code_page == "65001") return std::string(kDefaultCharset);
+  if (!is_number || code_page.empty()) return std::string(kDefaultCharset);
   const iconv_t conversion = iconv_open("UTF-16LE", name.c_str());
   if (conversion == reinterpret_cast<iconv_t>(-1)) return std::string(kDefaultCharset);
   (void)iconv_close(conversion);
@@ -55,12 +62,12 @@ std::string charset_of(const std::string& code_page) {
 }
 
 bool write_settings(const SambaServerParams& params) {
-  const std::string server = text_of(params.server_comment);
-  const std::string workgroup = text_of(params.workgroup);
+  const std::string server = value_of(params.server_comment);
+  const std::string workgroup = value_of(params.workgroup);
   const std::string charset = charset_of(text_of(params.code_page));
-  const std::string printer = text_of(params.printer_name);
-  const std::string printer_comment = text_of(params.printer_comment);
-  const std::string wins_server = text_of(params.wins_server);
+  const std::string printer = value_of(params.printer_name);
+  const std::string printer_comment = value_of(params.printer_comment);
+  const std::string wins_server = value_of(params.wins_server);
   const ProfileItem items[] = {
       {"server string", server.c_str(), 0},    {"workgroup", workgroup.c_str(), 0},
       {"dos charset", charset.c_str(), 0},     {"printer name", printer.c_str(), 0},
@@ -77,6 +84,7 @@ void stop(const char* daemon) {
     if (SYSTEM("/bin/killall -0 %s >/dev/null 2>&1", daemon) != 0) return;
     (void)sleep(1);
   }
+  (void)SYSTEM("/bin/killall -9 %s >/dev/null 2>&1", daemon);  // it may have ended just now
 }
 
 // The daemon must not keep the page's streams open.
