@@ -137,7 +137,9 @@ void unmount_all(int number) {
 
 void plan(const std::string& name, int nth, const std::string& action, int value) {
   const std::string path = std::string(kPlans) + "/" + name;
-  fs::remove(path + ".calls");
+  if (fs::remove(path + ".calls")) {
+    fs::remove(path); /* made for calls that have been counted */
+  }
   std::ofstream(path, std::ios::app) << nth << ' ' << action << ' ' << value << '\n';
 }
 
