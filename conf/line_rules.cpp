@@ -1,0 +1,69 @@
+#include "conf/line_rules.h"
+
+#include <algorithm>
+
+namespace filesharing {
+
+namespace {
+
+bool fits(const LineRule& rule, std::string_view line) {
+  return rule.at_start ? line.starts_with(rule.mark)
+                       : line.find(rule.mark) != std::string_view::npos;
+}
+
+// The line at the front of rest, or a piece of it, with its line feed.
+std::string_view take_piece(std::string_view& rest, std::size_t longest) {
+  const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
+  const std::string_view piece = rest.substr(0, std::min(end, longest));
+  rest.remove_prefix(piece.size());
+  return piece;
+}
+
+void append_lines(std::string& text, std::vector<const LineRule*> rules) {
+  std::ranges::stable_sort(rules, {}, &LineRule::appended);
+  for (const LineRule* rule : rules) {
+    if (!rule->line.empty() && !text.empty() && text.back() != '\n') {
+      text += '\n';
+    }
+    text += rule->line;
+  }
+}
+
+}  // namespace
+
+std::string apply_rules(std::string_view text, const std::vector<LineRule>& rules,
+                        std::size_t longest) {
+  std::vector<const LineRule*> unused;
+  for (const LineRule& rule : rules) {
+    if (rule.appended != 0) {
+      unused.push_back(&rule);
+    }
+  }
+  std::string result;
+  while (!text.empty()) {
+    const std::string_view piece = take_piece(text, longest);
+    const auto rule = std::ranges::find_if(
+        rules, [&](const LineRule& candidate) { return fits(candidate, piece); });
+    if (rule == rules.end()) {
+      result += piece;
+    } else {
+      result += rule->line;
+      std::erase(unused, &*rule);
+    }
+  }
+  append_lines(result, std::move(unused));
+  return result;
+}
+
+Result rewrite_by_rules(const std::string& path, const RewriteOptions& options,
+                        const CopyBack& copy_back, const std::vector<LineRule>& rules,
+                        std::size_t longest) {
+  FileRewrite rewrite(path, options);
+  if (const Result failed = rewrite.open()) {
+    return failed;
+  }
+  rewrite.write(apply_rules(read_rest(rewrite.source()), rules, longest));
+  return rewrite.commit(copy_back);
+}
+
+}  // namespace filesharing
