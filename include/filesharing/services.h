@@ -8,16 +8,72 @@
 FSH_BEGIN_DECLS
 
 /* ---- Samba ---------------------------------------------------------------------------------- */
+
+/* Copies at most len characters of src into dst without the blanks, and terminates dst, which has
+ * room for len + 1. Nothing else is changed; a len below 1 gives an empty text, and src ends the
+ * copy where it ends. For addresses typed with blanks between the numbers. */
 FSH_API void omitIpSpace(char* dst, const char* src, int len);
+
+/* Fills settings, which the caller has cleared, from the keys of the same names. 0; FSH_ARGUMENT
+ * (20): null; FSH_SAMBA_SETTINGS_UNREADABLE (11): the settings file can not be opened, a key is
+ * missing or the code page is no number; the fields before that one are then filled. */
 FSH_API unsigned ReadSambaConf(SambaSettings* settings);
+
+/* Checks settings and saves them; SetSMB makes Samba follow. The blanks in wins_server are removed
+ * and "0.0.0.0" becomes empty, in the record too, also when a later check fails. The first check
+ * that fails decides and leaves the settings file as it was:
+ * FSH_BAD_SAMBA_SWITCH (2): msn_enable is neither "yes" nor "no";
+ * FSH_BAD_WORKGROUP (7): w_d_name holds one of "/\[]:;|=.,+*?<> (a blank is allowed);
+ * FSH_WORKGROUP_MULTIBYTE (6): w_d_name holds a byte from 128 up;
+ * FSH_WORKGROUP_MISSING (8): w_d_name is empty while msn_enable is "yes";
+ * FSH_BAD_WINS_SWITCH (3): wins_enable is neither "yes" nor "no";
+ * FSH_BAD_WINS_SERVER (5): wins_server is no address for inet_aton(3), is "255.255.255.255", or its
+ *   first number is 0, 127, 224 to 239 or 255;
+ * FSH_WINS_SERVER_MISSING (4): wins_server is empty, "..." or "0.0.0.0" while wins_enable is "yes";
+ * FSH_BAD_PRINTER_NAME (9): printer_name holds one of "/\[]:;|=.,+*?<>'` or a blank;
+ * FSH_PRINTER_NAME_MULTIBYTE (10): printer_name holds a byte from 128 up.
+ * Also FSH_ARGUMENT (20): null; FSH_SAMBA_SETTINGS_NOT_SAVED (12): the settings file can not be
+ * written, or the lock /tmp/samba.lck, which this function takes before anything else, is taken.
+ * 0 when all is saved. */
 FSH_API unsigned SaveSambaConf(SambaSettings* settings);
+
+/* Makes Samba follow the saved settings: smb.conf(5)'s global section, and the daemons started or
+ * stopped. When the service is off it is only stopped. Takes no lock. 0; FSH_SAMBA_NOT_APPLIED
+ * (13): the keys of ReadSambaConf or, with the service on, disk_server_comment, printer_comment or
+ * recycle can not be read, or Samba could not be set. Whether the recycle bin ("vfs object") could
+ * be written does not count. */
 FSH_API unsigned SetSMB(void);
+
+/* Lets guests in or not, by the setting guest_access: "yes" sets "username map" in smb.conf(5) to
+ * "no", anything else to /etc/samba/smbusers. Takes no lock. 0; FSH_CANNOT_OPEN (21): the settings
+ * file; FSH_GUEST_NOT_SET (56): guest_access is missing, or smb.conf can not be written. */
 FSH_API unsigned ResetGuest(void);
+
+/* Sets "load printers" in smb.conf(5) to the setting printer_icon, when volume 1 is mounted. Takes
+ * no lock. 0, also when it is not mounted; FSH_CANNOT_OPEN (21): the settings file;
+ * FSH_PRINTER_NOT_SET (57): printer_icon is missing, or smb.conf can not be written. */
 FSH_API unsigned ResetPrinter(void);
 
 /* ---- FTP ------------------------------------------------------------------------------------ */
+
+/* Fills settings. Missing keys are no failure: switches are then 0, the language 437, bandwidth and
+ * ssl 0. A port that is neither 21 nor 1024 to 65535 becomes 21, a data port that is neither 20 nor
+ * 1024 to 65535 becomes 20; a missing port is first taken from the record as the caller had it.
+ * 0; -1: null, or the settings file can not be opened. Each call that succeeds leaves one stream
+ * open until the process ends. */
 FSH_API int ReadFTPConf(FtpSettings* settings);
+
+/* Saves every field but reserved, unchecked, in one rewrite of the settings file. Takes no lock.
+ * 0; -1: null, or the settings file can not be written. */
 FSH_API int SaveFTPConf(const FtpSettings* settings);
+
+/* Writes the saved settings into /etc/services, /etc/vsftpd.conf (vsftpd.conf(5)) and
+ * /etc/inetd.conf, in this order, stops inetd and bftpd, and starts inetd a second later in a
+ * process of its own. Takes no lock; a failure leaves the files before that one rewritten.
+ * 0; FSH_CANNOT_OPEN (21): one of the three files, the settings file, or the temporary file of the
+ * second or third; FSH_NO_TEMPORARY (22): the first temporary file; FSH_SERVICE_NOT_APPLIED (36):
+ * the settings can not be read, or a file can not be copied back; FSH_GUEST_ACCESS_MISSING (56):
+ * the setting guest_access. */
 FSH_API unsigned ResetFTP(void);
 
 /* ---- AFP and mDNS --------------------------------------------------------------------------- */
@@ -30,6 +86,12 @@ FSH_API unsigned ResetAFP(void);
 FSH_API void debug_afp(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /* ---- HTTPS tunnel --------------------------------------------------------------------------- */
+
+/* Restarts stunnel(8) in a process of its own, with its "connect" in /etc/stunnel.conf set to the
+ * setting port of the web server (80 when it is missing). The running tunnel stops after ten
+ * seconds; the new one starts four later, only when the setting https is exactly "yes". Takes no
+ * lock. 0 when that process was started; -1: the settings file can not be opened, or https is
+ * missing, which leaves one stream open until the process ends. */
 FSH_API int ResetHttps(void);
 
 FSH_END_DECLS
