@@ -3,7 +3,6 @@
 #define FILESHARING_CONF_SETTINGS_H
 
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>

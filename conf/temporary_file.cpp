@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <array>
 #include <cstdlib>
 #include <cstring>
 
@@ -54,6 +53,7 @@ void TemporaryFile::remove() {
 
 void GetTmpFileName(char* buf) {
   if (buf != nullptr) {
-    std::strcpy(buf, filesharing::template_on(filesharing::configuration_volume()));
+    const char* pattern = filesharing::template_on(filesharing::configuration_volume());
+    std::memcpy(buf, pattern, std::strlen(pattern) + 1);
   }
 }
