@@ -55,11 +55,38 @@ FSH_API unsigned GetGroupShareInfo(GroupShareInfo* record);
 FSH_API int EveryoneInDiskSh(int volume);
 
 /* ---- Path translation ----------------------------------------------------------------------- */
+
+/* Callers name folders in any letter case; the volumes tell cases apart. These functions spell the
+ * parts of a path as the disk has them. An entry of a folder matches a name when both are equally
+ * long and differ in letter case at most (UTF-8); of several, the one that the folder lists first
+ * counts. "." and ".." never match. A path is rewritten in place and never grows. */
+
+/* The component behind the slash at *slash, up to the next slash or the end, as a heap string that
+ * the caller frees with free(3). Null: no memory, or there is no text at slash. */
 FSH_API char* getname(const char* slash);
+
+/* Looks an entry of a folder up. 1: *stored is its name on disk, for the caller to free with
+ * free(3); 0: no such entry, the folder can not be read, or an argument is missing; *stored stays
+ * as it was. */
 FSH_API int case_dir(const char* directory, const char* name, char** stored);
+
+/* Spells the components of an absolute path as they are on disk, up to the first that is not there;
+ * the rest of the path stays. Up to there each run of slashes becomes one; what stands before the
+ * first slash is lost. 0: the letter case of a component changed; -1: of none, or path is missing
+ * or has no slash. */
 FSH_API int trans_dir(char* path);
+
+/* The same for what stands behind prefix, which is taken as it is and begins the path; null is no
+ * prefix. -1 also when the path is empty or does not hold the prefix; it is unchanged then. */
 FSH_API int trans_dir_with_prefix(const char* prefix, char* path);
+
+/* Spells the last component alone; slashes behind it and doubled ones before it go. 1: its letter
+ * case changed; 0: it did not, or there is no such entry; -1: path is missing or empty, or no
+ * memory. */
 FSH_API int simple_trans_dir(char* path);
+
+/* Spells the name of an entry of a folder. 0: there is such an entry; -1: there is none, or an
+ * argument is missing or empty; name is unchanged then. */
 FSH_API int trans_one_item(const char* directory, char* name);
 
 /* ---- NFS exports ---------------------------------------------------------------------------- */
