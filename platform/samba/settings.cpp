@@ -2,6 +2,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <string>
@@ -55,8 +56,8 @@ std::string charset_of(const std::string& code_page) {
   std::string name = "CP" + code_page;
   const bool is_number = code_page.find_first_not_of("0123456789") == code_page.npos;
   if (!is_number || code_page.empty()) return std::string(kDefaultCharset);
-  const iconv_t conversion = iconv_open("UTF-16LE", name.c_str());
-  if (conversion == reinterpret_cast<iconv_t>(-1)) return std::string(kDefaultCharset);
+  iconv_t conversion = iconv_open("UTF-16LE", name.c_str());
+  if (reinterpret_cast<intptr_t>(conversion) == -1) return std::string(kDefaultCharset);
   (void)iconv_close(conversion);
   return name;
 }
