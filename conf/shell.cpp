@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "conf/text.h"
 #include "platform/utility/utility.h"
 
 namespace filesharing {
@@ -14,18 +14,10 @@ namespace filesharing {
 int run_command(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
-  char* command = nullptr;
-  const int length = vasprintf(&command, pattern, arguments);
+  const std::string command = format_list(pattern, arguments);
   va_end(arguments);
-  if (length < 0) {
-    throw std::bad_alloc();
-  }
   errno = 0;
-  const int status = std::system(command);
-  const int cause = errno;
-  std::free(command);
-  errno = cause;
-  return status;
+  return std::system(command.c_str());
 }
 
 void default_child_signal() {

@@ -2,24 +2,29 @@
 
 #include <strings.h>
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <memory>
+#include <new>
 
 namespace filesharing {
 
 std::string format(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
-  va_list again;
-  va_copy(again, arguments);
-  const int length = vsnprintf(nullptr, 0, pattern, arguments);
+  std::string text = format_list(pattern, arguments);
   va_end(arguments);
-  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  vsnprintf(text.data(), text.size() + 1, pattern, again);
-  va_end(again);
   return text;
+}
+
+std::string format_list(const char* pattern, va_list arguments) {
+  char* formatted = nullptr;
+  if (vasprintf(&formatted, pattern, arguments) < 0) {
+    throw std::bad_alloc();
+  }
+  const std::unique_ptr<char, void (*)(void*)> owner(formatted, std::free);
+  return formatted;
 }
 
 bool equals_ignoring_case(std::string_view left, std::string_view right) {

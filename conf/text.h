@@ -3,6 +3,7 @@
 #define FILESHARING_CONF_TEXT_H
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,8 +12,9 @@
 
 namespace filesharing {
 
-// printf into a string of any length.
+// printf and vprintf into a string of any length.
 [[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+[[gnu::format(printf, 1, 0)]] std::string format_list(const char* pattern, va_list arguments);
 
 inline bool missing(const char* text) {
   return text == nullptr || *text == '\0';
