@@ -28,6 +28,12 @@ void copy_field(char (&field)[N], std::string_view text) {
   std::memcpy(field, text.data(), length);
 }
 
+// The text of a field that a caller filled, perhaps to its last byte.
+template <std::size_t N>
+std::string_view field_text(const char (&field)[N]) {
+  return {field, strnlen(field, N)};
+}
+
 bool equals_ignoring_case(std::string_view left, std::string_view right);
 bool starts_ignoring_case(std::string_view text, std::string_view prefix);
 
