@@ -1,0 +1,66 @@
+// The tunnel through which browsers reach the management pages over TLS.
+#include <unistd.h>
+
+#include <optional>
+#include <string>
+
+#include "conf/detached.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/settings.h"
+#include "conf/shell.h"
+#include "filesharing/services.h"
+#include "platform/profile/profile.h"
+
+namespace filesharing {
+namespace {
+
+struct Tunnel {
+  std::string port;
+  bool wanted;
+};
+
+std::optional<Tunnel> read_tunnel() {
+  SettingsFile file;
+  if (!file.opened()) {
+    return std::nullopt;
+  }
+  const SettingsSection network = file.section("network");
+  const std::string port = network.text("port", 8).value_or("80");
+  const auto https = network.text("https", 4);
+  if (!https) {
+    file.leave_open();  // Kept: such a call costs the process a descriptor.
+    return std::nullopt;
+  }
+  return Tunnel{port, *https == "yes"};
+}
+
+// What fails here has nobody left to be told.
+void restart(const Tunnel& tunnel) {
+  static_cast<void>(run_command("/bin/killall stunnel >/dev/null 2>&1"));
+  if (tunnel.wanted) {
+    static_cast<void>(PRO_SetStr(nullptr, "connect", tunnel.port.c_str(), paths::kStunnel));
+    sleep(4);
+    static_cast<void>(run_command("/usr/sbin/stunnel /etc/stunnel.conf >/dev/null 2>&1"));
+  }
+}
+
+int reset() {
+  const auto tunnel = read_tunnel();
+  if (!tunnel) {
+    return -1;
+  }
+  const Detached options{.sleep_seconds = 10, .caller_resets_child_signal = true};
+  return static_cast<int>(run_detached(options, [&]() -> std::optional<Result> {
+    restart(*tunnel);
+    return std::nullopt;
+  }));
+}
+
+}  // namespace
+}  // namespace filesharing
+
+int ResetHttps(void) {
+  using namespace filesharing;
+  return guarded(-1, reset);
+}
