@@ -1,28 +1,9 @@
-// A server without shares: what the other rooms ask about shares until the registry is there.
+// A server without shares: what the other rooms ask of shares until they can be changed.
 #include "filesharing/shares.h"
 
 unsigned AddShareWithGroup(ShareInfo*) {
   return FSH_SHARE_UNKNOWN;
 }
-unsigned GetShareInfo(ShareInfo*) {
-  return FSH_MALFORMED;
-}
-unsigned GetAllShare(ShareInfo** head) {
-  *head = nullptr;
-  return FSH_OK;
-}
-void FreeShareList(ShareInfo*) {}
-int ShareExist(const char*) {
-  return 0;
-}
 unsigned DelGroupFromShares(const char*, const char* const*, int) {
-  return FSH_OK;
-}
-unsigned GetShareWithGroup(ShareInfo*) {
-  return FSH_SHARE_UNKNOWN;
-}
-unsigned GetGroupShareInfo(GroupShareInfo* record) {
-  record->count = 0;
-  record->shares = nullptr;
   return FSH_OK;
 }

@@ -1,0 +1,56 @@
+#include "shares/access_list.h"
+
+#include "conf/result.h"
+#include "conf/text.h"
+
+namespace filesharing {
+
+ShareGroup* parse_access_list(std::string_view text) {
+  if (is_blank_line(text)) {
+    return nullptr;
+  }
+  AccessList groups;
+  for (Halves items{.found = true, .head = {}, .tail = text}; items.found;) {
+    items = split_at(items.tail, ',');
+    const Halves item = split_at(items.head, ':');
+    if (!item.found) {
+      return nullptr;
+    }
+    ShareGroup& group = groups.append();
+    copy_field(group.name, item.head);
+    group.rights = to_int(item.tail);
+  }
+  return groups.release();
+}
+
+std::string access_list_field(const ShareGroup* groups, std::string_view without) {
+  std::string field;
+  for (const ShareGroup* group = groups; group != nullptr; group = group->next) {
+    // A group without a name is a group like any other here.
+    if (without.empty() || group->name != without) {
+      field += format("%c%s:%d", field.empty() ? ':' : ',', group->name, group->rights);
+    }
+  }
+  return field;
+}
+
+const ShareGroup* find_group(const ShareGroup* groups, std::string_view name) {
+  while (groups != nullptr && groups->name != name) {
+    groups = groups->next;
+  }
+  return groups;
+}
+
+}  // namespace filesharing
+
+ShareGroup* GetShGroup(const char* access_list) {
+  using namespace filesharing;
+  if (access_list == nullptr) {
+    return nullptr;
+  }
+  return guarded<ShareGroup*>(nullptr, [&] { return parse_access_list(access_list); });
+}
+
+void FreeShGrpList(ShareGroup* head) {
+  filesharing::free_list(head);
+}

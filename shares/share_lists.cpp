@@ -1,0 +1,134 @@
+// Listing the shares: their names, or their records with the access lists.
+#include <cstdlib>
+
+#include "conf/heap_list.h"
+#include "conf/text.h"
+#include "filesharing/shares.h"
+#include "shares/access_list.h"
+#include "shares/share_registry.h"
+
+namespace filesharing {
+namespace {
+
+constexpr std::size_t kMostNameCharacters = sizeof(ShareInfo::name) - 1;
+
+using NameList = HeapList<ShareNameItem>;
+using ShareList = HeapList<ShareInfo>;
+
+Result list_names(NameList& names) {
+  make_removable_registry();
+  Result result = FSH_CANNOT_OPEN;
+  for (const char* path : kRegistryFiles) {
+    RegistryReader line(path);
+    result = line.opened() ? FSH_OK : result;
+    while (line.next()) {
+      if (line.name().size() <= kMostNameCharacters) {
+        copy_field(names.append().name, line.name());
+      }
+    }
+  }
+  return result;
+}
+
+// Whether a line is listed at all.
+using Admits = bool (*)(std::string_view line);
+
+bool admits_all(std::string_view) {
+  return true;
+}
+
+bool is_not_of_a_flash_disk(std::string_view line) {
+  for (const char* disk : {"FLASH_1", "FLASH_2", "FLASH_3", "FLASH_4"}) {
+    if (line.find(disk) != std::string_view::npos) {
+      return false;
+    }
+  }
+  return true;
+}
+
+Result list_file(RegistryReader& line, Admits admits, ShareList& shares) {
+  while (line.next()) {
+    if (!admits(line.line())) {
+      continue;
+    }
+    ShareInfo& share = shares.append();
+    copy_field(share.name, line.name());
+    if (const Result failed = ShareStringPar(std::string(line.value()).c_str(), &share)) {
+      shares.clear();
+      return failed;
+    }
+  }
+  return FSH_OK;
+}
+
+Result list_shares(Admits admits, ShareList& shares) {
+  make_removable_registry();
+  RegistryReader fixed(paths::kShares);
+  RegistryReader removable(paths::kRemovableShares);
+  if (!fixed.opened() && !removable.opened()) {
+    return FSH_CANNOT_OPEN;
+  }
+  // Kept: a malformed line in the first file empties the list and is forgotten, one in the second
+  // is the result.
+  static_cast<void>(list_file(fixed, admits, shares));
+  return list_file(removable, admits, shares);
+}
+
+unsigned list_into(ShareInfo** head, Admits admits) {
+  if (head == nullptr) {
+    return FSH_ARGUMENT;
+  }
+  *head = nullptr;
+  return guarded(FSH_NO_MEMORY, [&] {
+    ShareList shares(FreeShareList);
+    const Result result = list_shares(admits, shares);
+    *head = shares.release();
+    return result;
+  });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned GetShareNameList(ShareNameItem** head) {
+  using namespace filesharing;
+  if (head == nullptr) {
+    return FSH_ARGUMENT;
+  }
+  *head = nullptr;
+  return guarded(FSH_NO_MEMORY, [&] {
+    NameList names(FreeShareNameList);
+    const Result result = list_names(names);
+    *head = names.release();
+    return result;
+  });
+}
+
+void FreeShareNameList(ShareNameItem* head) {
+  filesharing::free_list(head);
+}
+
+unsigned GetNumOfShares(void) {
+  ShareNameItem* names = nullptr;
+  if (GetShareNameList(&names) != FSH_OK) {
+    return FSH_NO_SHARE_LIST;
+  }
+  unsigned count = 0;
+  for (const ShareNameItem* name = names; name != nullptr; name = name->next) {
+    ++count;
+  }
+  FreeShareNameList(names);
+  return count;
+}
+
+unsigned GetAllShare(ShareInfo** head) {
+  return filesharing::list_into(head, filesharing::admits_all);
+}
+
+unsigned GetExtShare(ShareInfo** head) {
+  return filesharing::list_into(head, filesharing::is_not_of_a_flash_disk);
+}
+
+void FreeShareList(ShareInfo* head) {
+  filesharing::free_list(head, [](ShareInfo& share) { FreeShGrpList(share.groups); });
+}

@@ -1,0 +1,105 @@
+#include "shares/share_registry.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "conf/text.h"
+#include "filesharing/conf.h"
+#include "platform/profile/profile.h"
+#include "shares/registry_value.h"
+#include "shares/share_names.h"
+
+namespace filesharing {
+namespace {
+
+template <std::size_t N>
+std::string_view text_of(const char (&field)[N]) {
+  return {field, strnlen(field, N)};
+}
+
+// Nothing when the file does not have the name.
+std::optional<std::string> read_value(const char* name, std::FILE* stream) {
+  const int length = PRO_GetStrLen(nullptr, name, stream);
+  if (length < 0) {
+    return std::nullopt;
+  }
+  std::string value(static_cast<std::size_t>(length) + 1, '\0');
+  if (FSH_GetStr(nullptr, name, value.data(), length, stream) != FSH_OK) {
+    return std::nullopt;
+  }
+  value.resize(std::strlen(value.c_str()));
+  return value;
+}
+
+}  // namespace
+
+const char* registry_file(std::string_view share) {
+  return is_removable_share(share) ? paths::kRemovableShares : paths::kShares;
+}
+
+void make_removable_registry() {
+  constexpr mode_t kMode = 0644;
+  const int file = open(paths::kRemovableShares, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
+  if (file >= 0) {
+    static_cast<void>(fchmod(file, kMode));  // whatever the mask of the page; it is readable anyway
+    static_cast<void>(close(file));          // nothing was written
+  }
+}
+
+RegistryReader::RegistryReader(const char* path)
+    : stream_(open_stream(path, "r")), lines_(stream_.get()) {}
+
+bool RegistryReader::next() {
+  while (opened() && lines_.next()) {
+    const Halves halves = split_at(lines_.text(), '=');
+    if (halves.found) {
+      name_ = halves.head;
+      value_ = halves.tail;
+      return true;
+    }
+  }
+  return false;
+}
+
+Result read_registered_value(const char* name, std::optional<std::string>& value) {
+  make_removable_registry();
+  Result result = FSH_CANNOT_OPEN;
+  for (const char* path : kRegistryFiles) {
+    const Stream stream = open_stream(path, "r");
+    if (!stream) {
+      value.reset();
+      continue;
+    }
+    result = FSH_OK;
+    value = read_value(name, stream.get());
+    if (value && !value->empty()) {
+      break;
+    }
+  }
+  return result;
+}
+
+void register_share(const ShareInfo& share, std::string_view access_list,
+                    const std::string& name_on_volume) {
+  const std::string value = registry_value(share, access_list);
+  // A registry that can not be written has no code of its own: the share is then offered but not
+  // listed.
+  static_cast<void>(PRO_SetStr(nullptr, share.name, value.c_str(), registry_file(share.name)));
+  if (!is_removable_share(share.name)) {
+    static_cast<void>(PRO_SetStr(nullptr, name_on_volume.c_str(), volume_value(value).c_str(),
+                                 paths::volume_shares(share.volume).c_str()));
+  }
+}
+
+ShareInfo written_fields(const ShareInfo& record) {
+  ShareInfo share{};
+  copy_field(share.name, text_of(record.name));
+  copy_field(share.comment, text_of(record.comment));
+  copy_field(share.path, text_of(record.path));
+  share.volume = record.volume;
+  share.suffixed = record.suffixed;
+  return share;
+}
+
+}  // namespace filesharing

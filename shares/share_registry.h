@@ -1,0 +1,63 @@
+// The files of the share registry: the system registry, which is two files, and the list of its own
+// that each volume has.
+#ifndef FILESHARING_SHARES_SHARE_REGISTRY_H
+#define FILESHARING_SHARES_SHARE_REGISTRY_H
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "conf/line_reader.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "filesharing/types.h"
+
+namespace filesharing {
+
+// The files of the system registry, in the order in which they are read.
+inline constexpr std::array<const char*, 2> kRegistryFiles{paths::kShares, paths::kRemovableShares};
+
+// The file that a share is written to.
+const char* registry_file(std::string_view share);
+
+// Whoever reads the registry finds both files: makes the one for removable shares, empty, when
+// there is none.
+void make_removable_registry();
+
+// Iterates the lines of a registry file that have a "=".
+class RegistryReader {
+ public:
+  explicit RegistryReader(const char* path);
+
+  bool opened() const { return stream_ != nullptr; }
+  bool next();
+
+  std::string_view line() const { return lines_.text(); }
+  std::string_view name() const { return name_; }
+  std::string_view value() const { return value_; }  // with its line end
+
+ private:
+  Stream stream_;
+  LineReader lines_;
+  std::string_view name_;
+  std::string_view value_;
+};
+
+// The value registered under exactly this name, without its line end, from the first file where it
+// is not empty. An empty text when the second file has the name without a value; nothing when it
+// does not have the name. FSH_OK; FSH_CANNOT_OPEN: neither file could be opened.
+Result read_registered_value(const char* name, std::optional<std::string>& value);
+
+// Writes the line of the share into the system registry and, under the name `name_on_volume`, into
+// the list of its volume; removable shares have no line there.
+void register_share(const ShareInfo& share, std::string_view access_list,
+                    const std::string& name_on_volume);
+
+// The fields that are written of a record, cut to their ends; without groups and next.
+ShareInfo written_fields(const ShareInfo& record);
+
+}  // namespace filesharing
+
+#endif
