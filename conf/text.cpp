@@ -64,6 +64,20 @@ std::string_view take_until(std::string_view& rest, char separator) {
   return halves.head;
 }
 
+std::string_view take_line(std::string_view& rest) {
+  const std::size_t end = rest.find('\n');
+  const std::string_view line =
+      rest.substr(0, end == std::string_view::npos ? rest.size() : end + 1);
+  rest.remove_prefix(line.size());
+  return line;
+}
+
+void end_last_line(std::string& text) {
+  if (!text.empty() && text.back() != '\n') {
+    text += '\n';
+  }
+}
+
 Halves split_at(std::string_view text, char separator) {
   const std::size_t at = text.find(separator);
   if (at == std::string_view::npos) {

@@ -54,6 +54,12 @@ std::int64_t to_long(std::string_view text);
 // last item is what is left; rest is empty then.
 std::string_view take_until(std::string_view& rest, char separator);
 
+// Takes the first line off the front of rest, with its line feed if it has one.
+std::string_view take_line(std::string_view& rest);
+
+// Ends a last line that has no line feed, so that nothing is glued to it.
+void end_last_line(std::string& text);
+
 // The text before and behind the first separator; found is false without one, and head the whole.
 struct Halves {
   bool found;
