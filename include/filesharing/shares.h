@@ -29,14 +29,55 @@ FSH_API unsigned ShareStringPar(const char* value, ShareInfo* record);
 FSH_API ShareGroup* GetShGroup(const char* access_list);
 
 /* ---- SMB and AFP sections ------------------------------------------------------------------- */
+
+/* A share is a section of /etc/samba/smb.conf, see smb.conf(5), and a line of
+ * /etc/netatalk/AppleVolumes.conf: the quoted folder, "[NAME]" in quotes, then "rwlist:" with the
+ * groups that may write and "allow:" with those that may enter. "administrators" stands first in
+ * each of these lists and is not repeated from the access list.
+ *
+ * The functions of this section take no lock: the callers hold those of FSH_FILE_SHARE and
+ * FSH_FILE_SMB. After each file that they copied back they wait two seconds, which gives the daemon
+ * time to see it. Where a copy fails, the file stays as it was. */
+
+/* Put the share into smb.conf or AppleVolumes.conf: in the place of its old section or line, whose
+ * header stays as it was, or at the end. All else in the file stays byte for byte. Used of the
+ * record: name, comment, path, volume, groups. With read_only set, the groups with rights 7 may not
+ * write, whatever the list says; all may still enter. Set SIGCHLD to its default action.
+ * WriteSmbShare and WriteAFPShare are the same with read_only 0.
+ * 0; FSH_ARGUMENT (20): record is missing; FSH_NO_TEMPORARY (22); FSH_CANNOT_OPEN (21): the file or
+ * the temporary file; FSH_SMB_SHARES_NOT_WRITTEN (45) or FSH_AFP_SHARES_NOT_WRITTEN (19): the file
+ * could not be read or copied back, or there is no memory. */
 FSH_API unsigned SetSmbShare(const ShareInfo* record, unsigned read_only);
 FSH_API unsigned SetAFPShare(const ShareInfo* record, unsigned read_only);
 FSH_API unsigned WriteSmbShare(const ShareInfo* record);
 FSH_API unsigned WriteAFPShare(const ShareInfo* record);
+
+/* Write the section without its header, or the line, to a stream of the caller's, which stays open;
+ * whether that worked, ferror(3) tells. Nothing is written when record or file is missing. */
 FSH_API void write_share(const ShareInfo* record, FILE* file, unsigned read_only);
 FSH_API void write_afp(const ShareInfo* record, FILE* file, unsigned read_only);
+
+/* Deletes the section of a share from smb.conf, or of a removable share (its name begins with
+ * "FLASH" or "HDD") from /etc/samba/user_smb.conf. Does not wait.
+ * 0, also when there is none; FSH_ARGUMENT (20): name is missing or empty; FSH_FAILED (-1): the
+ * file can not be read or written. */
 FSH_API unsigned DelShareFromSMB(const char* name);
+
+/* Deletes the lines of AppleVolumes.conf that begin with key: the folder in quotes, the closing one
+ * included, so that no folder whose name is longer matches. The file is rewritten even without such
+ * a line. SIGCHLD stays as it is; while it is ignored, the copy counts as failed.
+ * 0; FSH_ARGUMENT (20): key is missing or empty; FSH_NO_TEMPORARY (22), FSH_CANNOT_OPEN (21),
+ * FSH_AFP_SHARES_NOT_WRITTEN (19) as SetAFPShare. */
 FSH_API unsigned DelShareFromAFP(const char* key);
+
+/* Make shares of the mounted partitions of a USB disk, and delete them again. Partition P of the
+ * disk is mounted at /harddisk/volume_3/data/PREFIX_N_P, or volume_4, and PREFIX_N_P is the name of
+ * the share; N is index + 1, index is 0 (volume 3) or 1 (volume 4). All users may read, and write
+ * when /proc/mounts says so. The entries go to /etc/win_share.info, /etc/samba/user_smb.conf and
+ * AppleVolumes.conf; adding appends them, without looking for old ones, and does not wait.
+ * AddWinShares: 0; -1: prefix is missing, a file could not be opened, or not all was written.
+ * DelWinShares deletes the partitions 1 to count: 0, whatever the deletions gave; -1: prefix is
+ * missing, or no memory. */
 FSH_API int AddWinShares(const char* prefix, int index);
 FSH_API int DelWinShares(const char* prefix, int index, int count);
 

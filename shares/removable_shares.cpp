@@ -1,0 +1,100 @@
+// The shares of USB disks, which come and go with them.
+#include "conf/line_reader.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "filesharing/conf.h"
+#include "filesharing/shares.h"
+#include "platform/profile/profile.h"
+#include "shares/removable_entries.h"
+
+namespace filesharing {
+namespace {
+
+constexpr int kFailed = -1;
+constexpr std::size_t kPieceLength = 128;
+
+// A file that entries are added to. What is added first starts on a line of its own.
+class AppendedFile {
+ public:
+  explicit AppendedFile(const char* path) : stream_(open_stream(path, "a+")) {
+    if (stream_ && std::fseek(stream_.get(), -1, SEEK_END) == 0) {
+      line_open_ = std::getc(stream_.get()) != '\n';
+    }
+  }
+
+  bool opened() const { return stream_ != nullptr; }
+
+  void append(std::string_view text) {
+    // Between reading and writing a stream has to be positioned; it then writes at the end anyway.
+    static_cast<void>(std::fseek(stream_.get(), 0, SEEK_END));
+    write_text(stream_.get(), line_open_ ? "\n" : "");
+    write_text(stream_.get(), text);
+    line_open_ = false;
+  }
+
+  [[nodiscard]] bool close() { return close_written(std::move(stream_)); }
+
+ private:
+  Stream stream_;
+  bool line_open_ = false;
+};
+
+int add_shares(const std::string& disk) {
+  const Stream mounts = open_stream(paths::kMounts, "r");
+  AppendedFile registry(paths::kRemovableShares);
+  AppendedFile smb(paths::kRemovableSmbConf);
+  AppendedFile afp(paths::kAppleVolumes);
+  if (!mounts || !registry.opened() || !smb.opened() || !afp.opened()) {
+    return kFailed;
+  }
+  // Kept: a line is read in pieces. A mount point across two of them is no share, and options in
+  // the next one do not count.
+  for (PieceReader piece(mounts.get(), kPieceLength); piece.next();) {
+    if (const auto mount = removable_mount(piece.text(), disk)) {
+      registry.append(removable_registry_line(*mount));
+      smb.append(removable_smb_section(*mount));
+      afp.append(removable_afp_line(*mount));
+    }
+  }
+  const bool registered = registry.close();
+  const bool smb_written = smb.close();
+  const bool afp_written = afp.close();
+  return registered && smb_written && afp_written ? 0 : kFailed;
+}
+
+// What one file no longer holds is no reason to keep it in the others: results do not count.
+void delete_share(const std::string& name, int volume) {
+  static_cast<void>(DelKeyFromConf(name.c_str(), paths::kRemovableShares));
+  static_cast<void>(PRO_DelSect(name.c_str(), paths::kRemovableSmbConf));
+  const std::string folder = '"' + paths::volume_data(volume) + '/' + name + "/\"";
+  static_cast<void>(DelShareFromAFP(folder.c_str()));
+}
+
+int delete_shares(const std::string& disk, int volume, int count) {
+  for (int deleted = 0; deleted < count; ++deleted) {
+    delete_share(disk + '_' + std::to_string(deleted + 1), volume);
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace filesharing
+
+int AddWinShares(const char* prefix, int index) {
+  using namespace filesharing;
+  if (prefix == nullptr) {
+    return kFailed;
+  }
+  return guarded(kFailed, [&] { return add_shares(removable_disk(prefix, index)); });
+}
+
+int DelWinShares(const char* prefix, int index, int count) {
+  using namespace filesharing;
+  if (prefix == nullptr) {
+    return kFailed;
+  }
+  return guarded(kFailed, [&] {
+    return delete_shares(removable_disk(prefix, index), index != 0 ? 4 : 3, count);
+  });
+}
