@@ -1,6 +1,7 @@
 #include "tests/device_test.h"
 
 #include <fcntl.h>
+#include <mntent.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
@@ -30,7 +31,6 @@ namespace {
 constexpr const char* kPlans = "/run/stand_in";
 constexpr const char* kWatched[] = {"/etc", "/harddisk", "/home", "/tmp", "/usr/local/CGI_ds.conf",
                                     "/var"};
-constexpr int kVolumes = 5;
 
 constexpr int kSanitizerFault = 99;
 constexpr const char* kSanitizerOptions = "exitcode=99:verify_asan_link_order=0";
@@ -129,9 +129,18 @@ void mount_empty(int number, const std::string& size) {
   ASSERT_EQ(mount(folder.c_str(), folder.c_str(), "tmpfs", 0, options.c_str()), 0) << folder;
 }
 
-/* Detached, since a process may still stand in the volume; more than once, for stacked mounts. */
-void unmount_all(int number) {
-  while (umount2(volume_folder(number).c_str(), MNT_DETACH) == 0) {
+/* Volumes and whatever a test has mounted in them or elsewhere, the last one first; detached, since
+ * a process may still stand there. */
+void unmount_all() {
+  Strings points;
+  FILE* const mounts = setmntent("/proc/mounts", "re");
+  while (const mntent* const entry = getmntent(mounts)) {
+    const std::string point = entry->mnt_dir;
+    if (point.starts_with("/harddisk/") || point.starts_with("/tmp/")) points.push_back(point);
+  }
+  (void)endmntent(mounts);
+  for (auto point = points.rbegin(); point != points.rend(); ++point) {
+    EXPECT_EQ(umount2(point->c_str(), MNT_DETACH), 0) << *point;
   }
 }
 
@@ -199,7 +208,7 @@ class Device : public testing::Environment {
   }
 
   static void renew() {
-    for (int number = 1; number <= kVolumes; ++number) unmount_all(number);
+    unmount_all();
     mount_empty(1, "64m");
     for (const auto& entry : fs::directory_iterator(kPlans)) fs::remove_all(entry);
     restore(pristine_);

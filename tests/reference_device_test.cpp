@@ -53,6 +53,9 @@ TEST_F(RenewalTest, First) {
   EXPECT_NE(read("/proc/mounts").find(" /harddisk/volume_2 tmpfs "), std::string::npos);
   unmount_volume(1);
   write("/harddisk/volume_2/conf/passwd", "x");
+  EXPECT_EQ(system("mkdir -p '/harddisk/volume_3/data/a b' && mount -t tmpfs x "
+                   "'/harddisk/volume_3/data/a b'"),
+            0);
   EXPECT_EQ(system("rm -r /etc/samba /home; mkdir /etc/hosts2; chmod 0 /etc/share.info;"
                    "chown 7:7 /var/run; rm /etc/passwd; echo > /etc/passwd; mkdir -p /tmp/a/b"),
             0);
