@@ -7,7 +7,6 @@ namespace filesharing {
 namespace {
 
 constexpr std::int32_t kBuiltInUids[] = {500, 501, 502};
-constexpr std::int32_t kFirstUserUid = 2000;
 constexpr int kUsersGid = 501;
 
 }  // namespace

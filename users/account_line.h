@@ -12,6 +12,7 @@
 namespace filesharing {
 
 constexpr std::size_t kMostUserNameCharacters = 20;
+constexpr std::int32_t kFirstUserUid = 2000;
 
 struct AccountId {
   std::string_view name;

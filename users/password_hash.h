@@ -8,8 +8,7 @@
 namespace filesharing {
 
 // A password in two halves, since traditional crypt(3) sees 8 characters: characters 1 to 8, and 9
-// to
-// 15. The second is empty for a password of 8 characters or fewer.
+// to 15. The second is empty for a password of 8 characters or fewer.
 struct PasswordHash {
   std::string first;
   std::string second;

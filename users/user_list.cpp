@@ -1,5 +1,6 @@
 // All users with their fields and groups.
 #include <cstdlib>
+#include <utility>
 
 #include "conf/heap_list.h"
 #include "conf/paths.h"
@@ -22,7 +23,11 @@ Result append_user(HeapList<UserItem>& users, const char* name) {
   item.user = user;
   item.groups = allocate<GroupUserInfo>();
   copy_field(item.groups->name, name);
-  return GetUserGroupInfo(item.groups);
+  const Result result = GetUserGroupInfo(item.groups);
+  if (result != FSH_OK) {
+    std::free(std::exchange(item.groups, nullptr));
+  }
+  return result;
 }
 
 Result read_users(UserItem** head) {

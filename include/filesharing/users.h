@@ -58,6 +58,55 @@ FSH_API unsigned GetUserInfo(UserInfo* record);
 /* 1 when this is the user's password; else 0. The first 15 characters count. */
 FSH_API int IsUserPassCorrect(const char* name, const char* password);
 
+/* ---- Changes -------------------------------------------------------------------------------- */
+
+/* AddUser, UpdateUser and DelUser are transactions: they take their locks (Lock in conf.h), back up
+ * the files that they lock, and on the first step that fails restore these and return its code; on
+ * success the account files are mirrored to the second disk. What the outside tools have changed
+ * elsewhere is not undone. When a lock is taken they fail at once, and the locks taken before it
+ * stay. All set SIGCHLD to its default action.
+ *
+ * Where a result is "the status of smbpasswd" it is what system(3) gives: 256 times the exit code
+ * of the tool. */
+
+/* Adds a user: record->name, description, password (plain; empty for none) and quota count. The uid
+ * is the lowest free one from 2000 up. The user joins the group "everyone", also in the list of
+ * /etc/usrgrp.info if there is one. Locks: password, group, user, SMB password.
+ * 0; FSH_ARGUMENT (20): the record or its name is missing; FSH_USER_EXISTS (26): /etc/passwd has
+ * the name, in any letter case; FSH_USER_NOT_ADDED (34): a lock is taken or usrgrp.info was not
+ * written; FSH_CANNOT_OPEN (21); FSH_NO_TEMPORARY (22); FSH_MALFORMED (24): an entry of "everyone";
+ * FSH_QUOTA_FAILED (32); the status of smbpasswd; the results of AddUsersToSysGroup (groups.h). */
+FSH_API unsigned AddUser(const UserInfo* record);
+
+/* Gives the user old_name the name, description, password, uid and quota of the record. A uid of 0
+ * keeps the old one, FSH_PASSWORD_PLACEHOLDER the old password; an empty password is no password. A
+ * new password ends the user's SMB connections, and that of "admin" is the password of the
+ * management pages too. Locks: password, group, user, SMB password, web password.
+ * 0; FSH_ARGUMENT (20): old_name, the record or its name is missing; FSH_USER_NOT_UPDATED (30): no
+ * such user, the new name is taken (another letter case of the old one is), or the password, SMB
+ * password or group file was not written; FSH_UPDATE_USER_BUSY (53): a lock is taken;
+ * FSH_CANNOT_OPEN (21); FSH_NO_TEMPORARY (22); FSH_MALFORMED (24): an entry of a list in
+ * usrgrp.info; FSH_USER_LIST_NOT_WRITTEN (28): usrgrp.info; FSH_QUOTA_FAILED (32); the status of
+ * smbpasswd. A web password file that can not be opened undoes the change and gives 0. */
+FSH_API unsigned UpdateUser(const char* old_name, const UserInfo* record);
+
+/* Limits what the user can store on each data disk, in megabytes; 0 lifts the limit. Takes no lock,
+ * and always goes through the file /tmp/edquota.tmp, which stays: callers hold a lock themselves.
+ * 0, also on a server without a data disk; FSH_ARGUMENT (20): name is missing; FSH_CANNOT_OPEN
+ * (21): the file can not be made; FSH_QUOTA_FAILED (32): the quota tool failed. */
+FSH_API unsigned SetUserQuota(const char* name, uint32_t megabytes);
+
+/* Deletes a user from the account files, and from the members of each group and list. Shares,
+ * quotas and the user's files stay. Ends the user's SMB connections. Locks as UpdateUser.
+ * 0, also for a name that nobody has; FSH_ARGUMENT (20): name is missing or empty;
+ * FSH_USER_RESERVED (27): "guest" and "admin" stay; FSH_USER_NOT_DELETED (28): a lock is taken or
+ * any step failed. */
+FSH_API unsigned DelUser(const char* name);
+
+/* Deletes the listed users but "guest" and "admin", one after the other, until one can not be.
+ * 0; FSH_USER_NOT_DELETED (28): the users can not be listed, or DelUser failed. */
+FSH_API unsigned DelAllUser(void);
+
 FSH_END_DECLS
 
 #endif

@@ -1,0 +1,106 @@
+// Deleting one user, or all of them, from every account file.
+#include <pwd.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "conf/file_rewrite.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/shell.h"
+#include "conf/text.h"
+#include "conf/transaction.h"
+#include "filesharing/conf.h"
+#include "filesharing/users.h"
+#include "users/group_members.h"
+#include "users/smb_account.h"
+#include "users/user_lists.h"
+
+namespace filesharing {
+namespace {
+
+constexpr int kDeleteUserMask =
+    FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS | FSH_FILE_WEBPASS;
+constexpr std::array<const char*, 3> kFilesWithUserLines{paths::kPasswd, paths::kWebPasswd,
+                                                         paths::kSmbPasswd};
+
+bool is_reserved(std::string_view name) {
+  return name == "guest" || name == "admin";
+}
+
+void end_connections(const char* name) {
+  if (const passwd* account = getpwnam(name)) {
+    end_smb_connections(static_cast<std::int32_t>(account->pw_uid));
+  }
+}
+
+Result delete_user_lines(const char* name) {
+  Result result = FSH_OK;
+  for (const char* path : kFilesWithUserLines) {
+    result = result == FSH_OK ? DelKeyItem(name, path, ':') : result;
+  }
+  return result;
+}
+
+Result leave_groups(const char* name) {
+  default_child_signal();
+  const CopyBack copy_back{.sync_before = true,
+                           .through = Through::kUtilityLibrary,
+                           .sync_after = Sync::kAlways,
+                           .failure = FSH_MEMBER_NOT_REMOVED};
+  return rewrite_lines(paths::kGroup, {}, copy_back,
+                       [&](std::string_view line, FileRewrite& rewrite) {
+                         const std::optional<std::string> edited = line_without_member(line, name);
+                         rewrite.write(edited.value_or(""));
+                         return edited ? FSH_OK : FSH_MALFORMED;
+                       });
+}
+
+Result leave_lists(const char* name) {
+  return replace_in_lists(name, std::nullopt,
+                          {.through = Through::kUtilityLibrary,
+                           .sync_after = Sync::kAlways,
+                           .failure = FSH_USER_NOT_DELETED});
+}
+
+Result delete_user(const char* name) {
+  end_connections(name);
+  const Result result =
+      in_order([&] { return delete_user_lines(name); }, [&] { return leave_groups(name); },
+               [&] { return leave_lists(name); });
+  return result == FSH_OK ? FSH_OK : FSH_USER_NOT_DELETED;
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned DelUser(const char* name) {
+  using namespace filesharing;
+  default_child_signal();
+  if (missing(name)) {
+    return FSH_ARGUMENT;
+  }
+  if (is_reserved(name)) {
+    return FSH_USER_RESERVED;
+  }
+  return transact({.mask = kDeleteUserMask,
+                   .busy = FSH_USER_NOT_DELETED,
+                   .out_of_memory = FSH_USER_NOT_DELETED},
+                  [&](Transaction&) { return delete_user(name); });
+}
+
+unsigned DelAllUser(void) {
+  UserNameItem* head = nullptr;
+  if (GetUserNameList(&head) != FSH_OK) {
+    return FSH_USER_NOT_DELETED;
+  }
+  for (const UserNameItem* user = head; user != nullptr; user = user->next) {
+    if (!filesharing::is_reserved(user->name) && DelUser(user->name) != FSH_OK) {
+      // Kept: the list is not freed; a page that gets here ends at once.
+      return FSH_USER_NOT_DELETED;  // NOLINT(clang-analyzer-unix.Malloc)
+    }
+  }
+  FreeUserNameList(head);
+  return FSH_OK;
+}
