@@ -1,0 +1,81 @@
+// Adding a user to every account file.
+#include <pwd.h>
+#include <unistd.h>
+
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/shell.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "conf/transaction.h"
+#include "filesharing/conf.h"
+#include "filesharing/groups.h"
+#include "filesharing/users.h"
+#include "users/account_line.h"
+#include "users/smb_account.h"
+#include "users/user_lists.h"
+#include "users/user_record.h"
+
+namespace filesharing {
+namespace {
+
+constexpr int kAddUserMask = FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS;
+
+std::int32_t first_free_uid() {
+  std::int32_t uid = kFirstUserUid;
+  while (getpwuid(static_cast<uid_t>(uid)) != nullptr) {
+    ++uid;
+  }
+  return uid;
+}
+
+Result append_account(const UserInfo& user) {
+  const std::string line =
+      account_line(user.name, hash_password(user.password), first_free_uid(), user.description);
+  Stream stream = open_stream(paths::kPasswd, "a");
+  if (!stream) {
+    return FSH_CANNOT_OPEN;
+  }
+  write_text(stream.get(), line);
+  const bool written = close_flushed(std::move(stream));
+  sync();
+  return written ? FSH_OK : FSH_CANNOT_OPEN;
+}
+
+Result join_everyone(const UserInfo& user) {
+  const char* names[] = {user.name};
+  return AddUsersToSysGroup("everyone", names, 1);
+}
+
+Result add_user(const UserInfo& user) {
+  return in_order([&] { return append_account(user); },  //
+                  [&] { return SetUserQuota(user.name, user.quota); },
+                  [&] { return add_smb_account(user.name, user.password); },
+                  [] {
+                    flush_smb_accounts();
+                    return FSH_OK;
+                  },
+                  [&] { return join_everyone(user); },
+                  [&] {
+                    return add_to_everyone({.name = user.name, .quota = user.quota},
+                                           {.runs = 2, .failure = FSH_USER_NOT_ADDED});
+                  });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned AddUser(const UserInfo* record) {
+  using namespace filesharing;
+  default_child_signal();
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  const UserInfo user = terminated(*record);
+  if (ItemExist(user.name, paths::kPasswd) != 0) {
+    return FSH_USER_EXISTS;
+  }
+  return transact(
+      {.mask = kAddUserMask, .busy = FSH_USER_NOT_ADDED, .out_of_memory = FSH_USER_NOT_ADDED},
+      [&](Transaction&) { return add_user(user); });
+}
