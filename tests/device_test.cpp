@@ -251,6 +251,8 @@ void DeviceTest::SetUp() {
 }
 
 void DeviceTest::TearDown() {
+  /* All but this process and the device's first: what hangs would be waited for without end. */
+  if (something_hangs) (void)kill(-1, SIGKILL);
   wait_for_background();
 }
 
@@ -320,6 +322,7 @@ void DeviceTest::kill_command(const std::string& name, int nth, int signal) {
 
 void DeviceTest::hang_command(const std::string& name, int nth) {
   plan(name, nth, "hang", 0);
+  something_hangs = true;
 }
 
 void DeviceTest::at_sleep(int nth, std::function<void()> action) {

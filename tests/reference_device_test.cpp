@@ -84,6 +84,15 @@ TEST_F(ReferenceDeviceTest, DetachedProcessIsWaitedForWhateverItCloses) {
   EXPECT_EQ(commands(), Strings({"sleep 1", "/bin/killall [inetd]"}));
 }
 
+TEST_F(ReferenceDeviceTest, CallerDoesNotWaitForACommandThatHangs) {
+  hang_command("killall", 1);
+  EXPECT_EQ(in_process([] {
+              if (fork() == 0) _exit(system("/bin/killall inetd"));
+              return 0u;
+            }),
+            0u);
+} /* and the end of the test does not either */
+
 TEST_F(ReferenceDeviceTest, ActionRunsWithinTheNthSleep) {
   at_sleep(2, [] { write("/tmp/seen", "x"); });
   sleep(1);
