@@ -229,8 +229,10 @@ extern "C" {
 /* What the library leaks on purpose: one line for each, "leak:FUNCTION\n", with the reason. */
 const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() {
-  return "leak:append_user\n"  // FreeUserList leaves the records of the groups
-         "leak:DelAllUser\n";  // the names, after a user that could not be deleted
+  return "leak:append_user\n"    // FreeUserList leaves the records of the groups
+         "leak:DelAllUser\n"     // the names, after a user that could not be deleted
+         "leak:GetAllGroup\n"    // FreeGrpList frees nothing
+         "leak:GetGrpShares\n";  // the record, when the shares can not be read
 }
 
 const char* __asan_default_options();

@@ -1,0 +1,195 @@
+// Adding, deleting and renaming groups in all the files that know them.
+#include <array>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "conf/heap_list.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "conf/transaction.h"
+#include "filesharing/conf.h"
+#include "filesharing/groups.h"
+#include "filesharing/shares.h"
+#include "platform/profile/profile.h"
+
+namespace filesharing {
+namespace {
+
+constexpr int kGroupFiles = FSH_FILE_GROUP | FSH_FILE_USER;
+constexpr int kGroupAndSmbFiles = kGroupFiles | FSH_FILE_SMB;
+constexpr std::array<const char*, 2> kReserved{"everyone", "administrators"};
+
+bool is_reserved(std::string_view name) {
+  return std::find(kReserved.begin(), kReserved.end(), name) != kReserved.end();
+}
+
+Result set_members(const char* group, const char* members) {
+  return static_cast<Result>(PRO_SetStr(nullptr, group, members, paths::kUserGroups));
+}
+
+// The shares that list a group.
+class SharesOfGroup {
+ public:
+  explicit SharesOfGroup(std::string_view group) { copy_field(info_.name, group); }
+  SharesOfGroup(const SharesOfGroup&) = delete;
+  SharesOfGroup& operator=(const SharesOfGroup&) = delete;
+  ~SharesOfGroup() {
+    if (read_) {
+      FreeGrpShareInfo(&info_);
+    }
+  }
+
+  Result read() {
+    const Result result = GetGroupShareInfo(&info_);
+    read_ = result == FSH_OK;
+    return result;
+  }
+
+  int count() const { return info_.count; }
+  const char* const* names() const { return info_.shares; }
+
+ private:
+  GroupShareInfo info_{};
+  bool read_ = false;
+};
+
+Result add_group(const char* name) {
+  return transact({.mask = kGroupFiles, .busy = FSH_GROUP_NOT_ADDED}, [&](Transaction&) {
+    return in_order([&] { return SysActGroup(name, FSH_ADD_GROUP); },
+                    [&] { return set_members(name, ""); });
+  });
+}
+
+Result remove_from_shares(const char* group) {
+  SharesOfGroup shares(group);
+  if (const Result failed = shares.read()) {
+    return failed;
+  }
+  return shares.count() > 0 ? DelGroupFromShares(group, shares.names(), shares.count()) : FSH_OK;
+}
+
+Result delete_group(const char* name) {
+  // Kept: no lock is taken, unlike by the other operations; two pages can delete at once.
+  return transact({.mask = kGroupAndSmbFiles, .locks = false},
+                  [&](Transaction& transaction) -> Result {
+                    if (is_reserved(name)) {
+                      transaction.on_failure = OnFailure::kNothing;
+                      return FSH_GROUP_RESERVED;
+                    }
+                    return in_order([&] { return SysActGroup(name, FSH_DELETE_GROUP); },
+                                    [&] { return DelKeyFromConf(name, paths::kUserGroups); },
+                                    [&] { return remove_from_shares(name); });
+                  });
+}
+
+Result delete_all_groups() {
+  return transact(
+      {.mask = kGroupAndSmbFiles, .busy = FSH_GROUP_NOT_DELETED}, [](Transaction&) -> Result {
+        constexpr int kCount = static_cast<int>(kReserved.size());
+        return in_order([] { return SysDelAllGroup(kReserved.data(), kCount); },
+                        [] { return DelAllGRP(kReserved.data(), kCount, paths::kUserGroups); });
+      });
+}
+
+// The value of a key as it stands in the file; nothing when the key can not be read.
+std::optional<std::string> value_of(const char* key, std::FILE* stream) {
+  const int length = PRO_GetStrLen(nullptr, key, stream);
+  if (length < 0) {
+    return std::nullopt;
+  }
+  std::string value(static_cast<std::size_t>(length) + 1, '\0');
+  if (FSH_GetStr(nullptr, key, value.data(), length, stream) != FSH_OK) {
+    return std::nullopt;
+  }
+  value.resize(std::strlen(value.c_str()));
+  return value;
+}
+
+Result move_members(const char* old_name, const char* new_name, Transaction& transaction) {
+  Stream stream = open_stream(paths::kUserGroups, "r");
+  if (!stream) {
+    // Kept: the system file stays renamed and the locks stay taken until someone removes them.
+    transaction.on_failure = OnFailure::kNothing;
+    return FSH_CANNOT_OPEN;
+  }
+  const auto members = value_of(old_name, stream.get());
+  stream.reset();
+  if (!members) {
+    return FSH_GROUP_NOT_RENAMED;
+  }
+  return in_order([&] { return DelKeyFromConf(old_name, paths::kUserGroups); },
+                  [&] { return set_members(new_name, members->c_str()); });
+}
+
+Result rename_in_share(const char* share, std::string_view old_name, std::string_view new_name) {
+  ShareInfo record{};
+  copy_field(record.name, share);
+  if (const Result failed = GetShareWithGroup(&record)) {
+    return failed;
+  }
+  for (ShareGroup* group = record.groups; group != nullptr; group = group->next) {
+    if (group->name == old_name) {
+      copy_field(group->name, new_name);
+      break;
+    }
+  }
+  const Result result = AddShareWithGroup(&record);
+  free_list(record.groups);
+  return result;
+}
+
+Result rename_in_shares(const char* old_name, const char* new_name) {
+  SharesOfGroup shares(old_name);
+  Result result = shares.read();
+  for (int i = 0; result == FSH_OK && i < shares.count(); ++i) {
+    result = rename_in_share(shares.names()[i], old_name, new_name);
+  }
+  return result;
+}
+
+Result rename_group(const char* old_name, const char* new_name) {
+  if (std::strcmp(old_name, new_name) != 0 && ItemExist(new_name, paths::kGroup) == 1) {
+    return FSH_GROUP_NOT_RENAMED;
+  }
+  return transact({.mask = kGroupFiles, .busy = FSH_GROUP_NOT_RENAMED},
+                  [&](Transaction& transaction) {
+                    return in_order([&] { return SysRenGroupName(old_name, new_name); },
+                                    [&] { return move_members(old_name, new_name, transaction); },
+                                    [&] { return rename_in_shares(old_name, new_name); });
+                  });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned AddGroup(const char* name) {
+  using namespace filesharing;
+  if (missing(name)) {
+    return FSH_ARGUMENT;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return add_group(name); });
+}
+
+unsigned DelGroup(const char* name) {
+  using namespace filesharing;
+  if (missing(name)) {
+    return FSH_ARGUMENT;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return delete_group(name); });
+}
+
+unsigned DelAllGroup(void) {
+  using namespace filesharing;
+  return guarded(FSH_NO_MEMORY, delete_all_groups);
+}
+
+unsigned RenameGroup(const char* old_name, const char* new_name) {
+  using namespace filesharing;
+  if (missing(old_name) || missing(new_name)) {
+    return FSH_ARGUMENT;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return rename_group(old_name, new_name); });
+}
