@@ -77,12 +77,42 @@ FSH_API int SaveFTPConf(const FtpSettings* settings);
 FSH_API unsigned ResetFTP(void);
 
 /* ---- AFP and mDNS --------------------------------------------------------------------------- */
+
+/* Reads the AFP settings: keys apple_* of section "network". maccode is always "UTF8-MAC", with its
+ * double quotes, and tm_share is empty when its key is missing. Each call that succeeds leaves the
+ * settings file open until the process ends.
+ * 0; FSH_ARGUMENT (20): no record; FSH_AFP_SETTINGS_UNREADABLE (18): the settings file can not be
+ * opened, or apple_enable, apple_anony, apple_name or apple_unixcode is missing; the record is as
+ * it was then. */
 FSH_API unsigned ReadAFPConf(AfpSettings* settings);
+
+/* Saves the AFP settings in one rewrite of the settings file, as they are.
+ * 0; FSH_AFP_NOT_SAVED (19): not written, or no record. */
 FSH_API int SaveAFPConf(const AfpSettings* settings);
+
+/* 1 when AFP is on and share, in this letter case, is the Time Machine share; else 0. */
 FSH_API int IsShUsedByTM(const char* share);
+
+/* Stops the mDNS responder, writes /etc/howl/mDNSResponder.conf anew (the web server; with AFP on
+ * the AFP server; with a Time Machine share that exists that too) and starts it. Takes about 8
+ * seconds. 0; -1: the settings file can not be opened, the key port or the device's name is
+ * missing, or the responder's file can not be written. The responder stays stopped then. */
 FSH_API int ResetmDNSConf(void);
+
+/* Writes the one line of /etc/netatalk/afpd.conf and waits 2 seconds for it to settle.
+ * 0; FSH_NO_TEMPORARY (22); FSH_CANNOT_OPEN (21): the temporary file; FSH_AFP_NOT_SAVED (19): not
+ * copied back. */
 FSH_API unsigned SetAFPDConf(AfpSettings settings);
+
+/* Applies the AFP settings in a process of its own: about 5 seconds later that process stops afpd,
+ * with AFP on writes afpd.conf and starts it, and calls ResetmDNSConf. Sets SIGCHLD to its default
+ * action.
+ * 0: on its way; FSH_AFP_NOT_RESET (58): the settings can not be read. When afpd.conf can not be
+ * written, the background process too returns from this call, with the code of SetAFPDConf. */
 FSH_API unsigned ResetAFP(void);
+
+/* Appends a line to the debug file /var/glb_dbg: "afp:debug_afp():[23]:" and the message. Does
+ * nothing when the file can not be opened. */
 FSH_API void debug_afp(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /* ---- HTTPS tunnel --------------------------------------------------------------------------- */

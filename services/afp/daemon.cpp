@@ -1,0 +1,53 @@
+// The AFP daemon: its configuration file and its restart.
+#include "conf/detached.h"
+#include "conf/file_rewrite.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/shell.h"
+#include "filesharing/services.h"
+#include "services/afp/rendering.h"
+
+namespace filesharing {
+namespace {
+
+Result write_configuration(const AfpSettings& settings) {
+  FileRewrite rewrite(paths::kAfpd, {.place = TemporaryPlace::kTmp, .reads_source = false});
+  if (const Result failed = rewrite.open()) {
+    return failed;
+  }
+  rewrite.write(afpd_line(settings));
+  return rewrite.commit({.runs = 2, .settle_seconds = 2, .failure = FSH_AFP_NOT_SAVED});
+}
+
+std::optional<Result> restart(const AfpSettings& settings) {
+  static_cast<void>(run_command("/bin/killall afpd >/dev/null 2>&1"));  // it may not be running
+  if (settings.enabled != 0) {
+    if (const Result failed = SetAFPDConf(settings)) {
+      return failed;  // Kept: the background process goes on as a second caller, with this code.
+    }
+    static_cast<void>(run_command("/usr/sbin/afpd >/dev/null 2>&1"));
+  }
+  static_cast<void>(ResetmDNSConf());  // nobody is left to be told
+  return std::nullopt;
+}
+
+Result reset() {
+  AfpSettings settings{};
+  if (ReadAFPConf(&settings) != FSH_OK) {
+    return FSH_AFP_NOT_RESET;
+  }
+  const Detached options{.sleep_seconds = 5, .caller_resets_child_signal = true};
+  return run_detached(options, [&] { return restart(settings); });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned SetAFPDConf(AfpSettings settings) {
+  using namespace filesharing;
+  return guarded(FSH_AFP_NOT_SAVED, [&] { return write_configuration(settings); });
+}
+
+unsigned ResetAFP(void) {
+  return filesharing::guarded(FSH_AFP_NOT_RESET, filesharing::reset);
+}

@@ -1,0 +1,85 @@
+// What the mDNS responder tells the network.
+#include <unistd.h>
+
+#include <optional>
+#include <utility>
+
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/settings.h"
+#include "conf/shell.h"
+#include "conf/stream.h"
+#include "filesharing/services.h"
+#include "filesharing/shares.h"
+#include "services/afp/rendering.h"
+
+namespace filesharing {
+namespace {
+
+constexpr unsigned kSecondsToEnd = 3;
+constexpr unsigned kSecondsToSettle = 5;
+
+// The responder may not be running, and a second signal catches one that was just starting: no
+// status counts.
+void stop_responder() {
+  static_cast<void>(run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1"));
+  sleep(kSecondsToEnd);
+  static_cast<void>(run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1"));
+}
+
+// The device's part of what is told; nothing without a name or a web port.
+std::optional<Advertised> read_device() {
+  const SettingsFile file;
+  if (!file.opened()) {
+    return std::nullopt;
+  }
+  const SettingsSection network = file.section("network");
+  const std::string name = network.text("disk_server_name", 20).value_or("");
+  const std::string address = network.text("hw_addr", 24).value_or("");
+  const auto port = network.text("port", 11);
+  if (!port || name.empty()) {
+    return std::nullopt;
+  }
+  return Advertised{.device_name = name, .hardware_address = address, .web_port = *port};
+}
+
+void add_afp(Advertised& advertised) {
+  AfpSettings settings{};
+  if (ReadAFPConf(&settings) != FSH_OK || settings.enabled == 0) {
+    return;
+  }
+  advertised.afp = true;
+  if (*settings.tm_share != '\0' && ShareExist(settings.tm_share) != 0) {
+    advertised.time_machine_share = settings.tm_share;
+  }
+}
+
+bool write_services(Advertised& advertised) {
+  // A failure shows again when the file is opened.
+  static_cast<void>(!truncate(paths::kMdnsResponder, 0));
+  Stream responder = open_stream(paths::kMdnsResponder, "w");
+  if (!responder) {
+    return false;
+  }
+  add_afp(advertised);
+  write_text(responder.get(), mdns_services(advertised));
+  return close_written(std::move(responder));
+}
+
+int reset_responder() {
+  stop_responder();
+  auto advertised = read_device();
+  if (!advertised || !write_services(*advertised)) {
+    return -1;
+  }
+  sleep(kSecondsToSettle);
+  static_cast<void>(run_command("/sbin/mDNSResponder >/dev/null 2>&1"));  // nobody waits for it
+  return 0;
+}
+
+}  // namespace
+}  // namespace filesharing
+
+int ResetmDNSConf(void) {
+  return filesharing::guarded(-1, filesharing::reset_responder);
+}
