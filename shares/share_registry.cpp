@@ -13,11 +13,6 @@
 namespace filesharing {
 namespace {
 
-template <std::size_t N>
-std::string_view text_of(const char (&field)[N]) {
-  return {field, strnlen(field, N)};
-}
-
 // Nothing when the file does not have the name.
 std::optional<std::string> read_value(const char* name, std::FILE* stream) {
   const int length = PRO_GetStrLen(nullptr, name, stream);
@@ -94,9 +89,9 @@ void register_share(const ShareInfo& share, std::string_view access_list,
 
 ShareInfo written_fields(const ShareInfo& record) {
   ShareInfo share{};
-  copy_field(share.name, text_of(record.name));
-  copy_field(share.comment, text_of(record.comment));
-  copy_field(share.path, text_of(record.path));
+  copy_field(share.name, field_text(record.name));
+  copy_field(share.comment, field_text(record.comment));
+  copy_field(share.path, field_text(record.path));
   share.volume = record.volume;
   share.suffixed = record.suffixed;
   return share;

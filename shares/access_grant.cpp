@@ -1,0 +1,79 @@
+// Giving groups access to shares.
+#include "conf/text.h"
+#include "filesharing/shares.h"
+#include "shares/access_batch.h"
+#include "shares/access_list.h"
+
+namespace filesharing {
+namespace {
+
+void append_group(ShareGroup*& groups, AccessList& entry) {
+  ShareGroup** end = &groups;
+  while (*end != nullptr) {
+    end = &(*end)->next;
+  }
+  *end = entry.release();
+}
+
+Result grant(const char* group, const char* share_name, int read_only) {
+  AccessList entry;
+  ShareGroup& added = entry.append();
+  copy_field(added.name, group);
+  added.rights = read_only != 0 ? FSH_READ_ONLY : FSH_READ_WRITE;
+
+  ShareGroupInfo access{};
+  copy_field(access.name, share_name);
+  if (const Result failed = GetShareGroup(&access)) {
+    return failed;
+  }
+  const bool is_member = find_group(access.groups, group) != nullptr;
+  append_group(access.groups, entry);
+  const AccessList owner(access.groups);
+  if (is_member) {
+    return FSH_ACCESS_EXISTS;
+  }
+  ShareInfo share{};
+  copy_field(share.name, share_name);
+  if (const Result failed = GetShareInfo(&share)) {
+    return failed;
+  }
+  share.groups = access.groups;
+  return AddShareWithGroup(&share);
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned AddGroupToShare(const char* group, const char* share, int read_only) {
+  using namespace filesharing;
+  if (missing(group) || missing(share)) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return grant(group, share, read_only); });
+}
+
+unsigned AddGroupsToShare(const char* share, const char* const* groups, int count, int read_only) {
+  using namespace filesharing;
+  const Batch batch{groups, count};
+  if (missing(share) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return change_access(batch, FSH_ADD_ACCESS_BUSY,
+                       [&](const char* group) { return AddGroupToShare(group, share, read_only); });
+}
+
+unsigned AddGroupToShares(const char* group, const char* const* shares, int count, int read_only) {
+  using namespace filesharing;
+  const Batch batch{shares, count};
+  if (missing(group) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  return change_access(batch, FSH_ADD_ACCESS_BUSY,
+                       [&](const char* share) { return AddGroupToShare(group, share, read_only); });
+}

@@ -1,0 +1,145 @@
+// Taking access to shares from groups.
+#include "conf/file_rewrite.h"
+#include "conf/line_reader.h"
+#include "conf/paths.h"
+#include "conf/shell.h"
+#include "conf/temporary_file.h"
+#include "conf/text.h"
+#include "filesharing/shares.h"
+#include "platform/profile/profile.h"
+#include "shares/access_batch.h"
+#include "shares/access_edits.h"
+#include "shares/access_list.h"
+#include "shares/share_names.h"
+
+namespace filesharing {
+namespace {
+
+// Passes a value through a temporary file, of which it comes back as its first line.
+Result pass_through_file(std::string& value) {
+  TemporaryFile file;
+  if (!file.make(TemporaryPlace::kConfigurationVolume)) {
+    return FSH_NO_TEMPORARY;
+  }
+  Stream target = open_stream(file.path(), "w");
+  if (!target) {
+    return FSH_CANNOT_OPEN;
+  }
+  write_text(target.get(), value);
+  if (!close_written(std::move(target))) {
+    return FSH_ACCESS_NOT_REMOVED;
+  }
+  const Stream source = open_stream(file.path(), "r");
+  if (!source) {
+    return FSH_CANNOT_OPEN;
+  }
+  LineReader line(source.get());
+  if (!line.next()) {
+    return FSH_ACCESS_NOT_REMOVED;
+  }
+  value = without_line_end(line.text());
+  return FSH_OK;
+}
+
+Result store(const std::string& key, std::string value, const std::string& path) {
+  if (const Result failed = pass_through_file(value)) {
+    return failed;
+  }
+  return PRO_SetStr(nullptr, key.c_str(), value.c_str(), path.c_str()) == 0
+             ? FSH_OK
+             : FSH_ACCESS_NOT_REMOVED;
+}
+
+Result revoke_in_registry(const char* name, const ShareInfo& share, const std::string& groups) {
+  return store(
+      name, format("%d:%d:%s:%s", share.suffixed, share.volume, share.comment, share.path) + groups,
+      registry_file(name));
+}
+
+// Kept: a removable share gets a line in the list of its volume here, as nowhere else.
+Result revoke_on_volume(const char* name, const ShareInfo& share, const std::string& groups) {
+  const bool is_public = std::string_view(name).starts_with(kPublicShare);
+  return store(is_public ? kPublicShare : name, format("%s:%s", share.comment, share.path) + groups,
+               paths::volume_shares(share.volume));
+}
+
+using EditAccess = std::string (*)(std::string_view text, std::string_view share,
+                                   const RemainingGroups& remaining);
+
+// Replaces the share's lists in a daemon's file by what the registry says by now.
+Result revoke_in_file(const char* path, const char* group, const char* name, EditAccess edit) {
+  FileRewrite rewrite(path);
+  if (const Result failed = rewrite.open()) {
+    return failed;
+  }
+  ShareGroupInfo access{};
+  copy_field(access.name, name);
+  if (const Result failed = GetShareGroup(&access)) {
+    return failed;
+  }
+  const AccessList owner(access.groups);
+  rewrite.write(edit(read_rest(rewrite.source()), name, {access.groups, group}));
+  return rewrite.commit({.runs = 2, .forgives_echild = true, .failure = FSH_ACCESS_NOT_REMOVED});
+}
+
+Result revoke_in_smb(const char* group, const char* name) {
+  default_child_signal();
+  return revoke_in_file(is_removable_share(name) ? paths::kRemovableSmbConf : paths::kSmbConf,
+                        group, name, with_smb_access);
+}
+
+Result revoke(const char* group, const char* name) {
+  ShareInfo share{};
+  copy_field(share.name, name);
+  ShareGroupInfo access{};
+  copy_field(access.name, name);
+  if (const Result failed =
+          in_order([&] { return GetShareInfo(&share); }, [&] { return GetShareGroup(&access); })) {
+    return failed;
+  }
+  const AccessList owner(access.groups);
+  const std::string groups = access_list_field(access.groups, group);
+  // A failing step leaves what the earlier ones have done.
+  return in_order(
+      [&] { return revoke_in_registry(name, share, groups); },
+      [&] { return revoke_on_volume(name, share, groups); },
+      [&] { return revoke_in_smb(group, name); },
+      [&] { return revoke_in_file(paths::kAppleVolumes, group, name, with_afp_access); });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned DelGroupFromShare(const char* group, const char* share) {
+  using namespace filesharing;
+  if (missing(group) || missing(share)) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return revoke(group, share); });
+}
+
+unsigned DelGroupsFromShare(const char* share, const char* const* groups, int count) {
+  using namespace filesharing;
+  const Batch batch{groups, count};
+  if (missing(share) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return change_access(batch, FSH_REMOVE_ACCESS_BUSY,
+                       [&](const char* group) { return DelGroupFromShare(group, share); });
+}
+
+unsigned DelGroupFromShares(const char* group, const char* const* shares, int count) {
+  using namespace filesharing;
+  const Batch batch{shares, count};
+  if (missing(group) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  return change_access(batch, FSH_REMOVE_ACCESS_BUSY,
+                       [&](const char* share) { return DelGroupFromShare(group, share); });
+}

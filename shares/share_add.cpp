@@ -1,0 +1,91 @@
+// Adding a share: AddShare makes a new one, AddShareWithGroup writes one with its access list.
+#include "conf/paths.h"
+#include "conf/shell.h"
+#include "conf/text.h"
+#include "conf/transaction.h"
+#include "filesharing/shares.h"
+#include "shares/access_list.h"
+#include "shares/registry_value.h"
+#include "shares/share_folder.h"
+#include "shares/share_names.h"
+#include "shares/share_registry.h"
+
+namespace filesharing {
+namespace {
+
+// Spells the path as the disk does, as far as it is there.
+void translate_path(ShareInfo& share) {
+  constexpr std::size_t kDataFolderCharacters = 23;  // "/harddisk/volume_1/data"
+  std::string path = paths::volume_data(share.volume) + share.path;
+  // Kept: a path whose letter case was corrected stays as the caller gave it, so the share's folder
+  // is made anew beside the one that is there; only one that needed no correction is taken over,
+  // with its doubled slashes collapsed.
+  if (trans_dir(path.data()) != 0) {
+    path.resize(std::strlen(path.c_str()));
+    copy_field(share.path,
+               std::string_view(path).substr(std::min(kDataFolderCharacters, path.size())));
+  }
+}
+
+void make_new_folder(int volume, const std::string& escaped_path) {
+  const bool has_slash = escaped_path.starts_with('/');
+  const std::string folder =
+      paths::volume_data(volume) + '/' + escaped_path.substr(has_slash ? 1 : 0);
+  static_cast<void>(run_command("/bin/mkdir -m 775 -p \"%s\" 2>/dev/null", folder.c_str()));
+}
+
+Result write_sections(const ShareInfo& share) {
+  return in_order([&] { return WriteSmbShare(&share); }, [&] { return WriteAFPShare(&share); });
+}
+
+Result add_share(ShareInfo& record) {
+  translate_path(record);
+  if (dir_shared(record.path, record.volume) != 0) {
+    return FSH_FOLDER_SHARED;
+  }
+  ShareInfo share = written_fields(record);
+  share.suffixed = 0;
+  register_share(share, format(":administrators:%d", FSH_READ_WRITE), share.name);
+  if (!is_removable_share(share.name)) {
+    if (const Result failed = prepare_share_folder(share, make_new_folder)) {
+      return failed;
+    }
+  }
+  return write_sections(share);
+}
+
+Result add_share_with_group(const ShareInfo& record) {
+  ShareInfo share = written_fields(record);
+  share.groups = record.groups;
+  register_share(share, access_list_field(share.groups), volume_share_name(share));
+  return write_sections(share);
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned AddShare(ShareInfo* record) {
+  using namespace filesharing;
+  if (record == nullptr) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(record->name) != 0) {
+    return FSH_SHARE_EXISTS;
+  }
+  // Kept: no backup is taken, though a failure restores: what comes back is the state before the
+  // last operation that did take one.
+  const TransactionOptions options{.mask = kShareFiles,
+                                   .busy = FSH_SHARE_NOT_ADDED,
+                                   .backs_up = false,
+                                   .mirrors = false,
+                                   .out_of_memory = FSH_SHARE_NOT_ADDED};
+  return transact(options, [&](Transaction&) { return add_share(*record); });
+}
+
+unsigned AddShareWithGroup(ShareInfo* record) {
+  using namespace filesharing;
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return add_share_with_group(*record); });
+}

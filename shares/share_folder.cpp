@@ -1,0 +1,59 @@
+#include "shares/share_folder.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "conf/paths.h"
+#include "conf/shell.h"
+
+namespace filesharing {
+namespace {
+
+constexpr uid_t kOwner = 502;
+constexpr gid_t kGroup = 501;
+constexpr mode_t kOpenToAll = 0777;
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { static_cast<void>(closedir(folder)); }  // only read
+};
+
+bool can_be_listed(const std::string& folder) {
+  return std::unique_ptr<DIR, CloseFolder>(opendir(folder.c_str())) != nullptr;
+}
+
+// Kept: opens each folder above the last "/" to all, up to "/harddisk" itself; of a path that does
+// not end in "/" not the share's own folder.
+void open_folders_to_all(std::string path) {
+  for (std::size_t slash = path.rfind('/'); slash != 0 && slash != std::string::npos;
+       slash = path.rfind('/')) {
+    path.resize(slash);
+    // A folder that is not there, or whose owner stays, is not a reason to undo the share.
+    static_cast<void>(chown(path.c_str(), kOwner, kGroup));
+    static_cast<void>(chmod(path.c_str(), kOpenToAll));
+  }
+}
+
+Result make_open_folder(const ShareInfo& share, MakeFolder make_folder) {
+  const std::string data = paths::volume_data(share.volume);
+  if (!can_be_listed(data)) {
+    return FSH_SHARE_NOT_ADDED;
+  }
+  const std::string escaped = shell_escaped(share.path);
+  make_folder(share.volume, escaped);
+  static_cast<void>(run_command("/bin/chown %s.%s /harddisk/volume_%d/data\"%s\" 2>/dev/null",
+                                "admin", "everyone", share.volume, escaped.c_str()));
+  // Kept: the walk takes the escaped path, so a folder whose name needed a backslash stays closed.
+  open_folders_to_all(data + escaped);
+  return FSH_OK;
+}
+
+}  // namespace
+
+Result prepare_share_folder(const ShareInfo& share, MakeFolder make_folder) {
+  return guarded(FSH_SHARE_NOT_ADDED, [&] { return make_open_folder(share, make_folder); });
+}
+
+}  // namespace filesharing

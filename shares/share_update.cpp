@@ -1,0 +1,100 @@
+// Updating a share: its comment, folder, volume or name.
+#include "conf/paths.h"
+#include "conf/shell.h"
+#include "conf/text.h"
+#include "conf/transaction.h"
+#include "filesharing/conf.h"
+#include "filesharing/shares.h"
+#include "shares/access_list.h"
+#include "shares/share_folder.h"
+#include "shares/share_names.h"
+#include "shares/share_registry.h"
+
+namespace filesharing {
+namespace {
+
+// The old name's line in the list of the old volume. A removable share normally has none there, nor
+// its volume a list, so what comes of it is told for the others alone.
+Result counted_unless_removable(const char* share, Result result) {
+  return is_removable_share(share) ? FSH_OK : result;
+}
+
+Result leave_old_volume(const char* old_name, const ShareInfo& old_share, const ShareInfo& record) {
+  if (old_share.volume == record.volume) {
+    return FSH_OK;
+  }
+  return counted_unless_removable(
+      old_name, DelKeyItem(old_name, paths::volume_shares(old_share.volume).c_str(), '='));
+}
+
+Result rename_in_volume(const char* old_name, const ShareInfo& old_share, const ShareInfo& record) {
+  if (old_share.volume != record.volume) {
+    return FSH_OK;
+  }
+  return counted_unless_removable(
+      old_name, RenameKey(old_name, record.name, paths::volume_shares(old_share.volume).c_str()));
+}
+
+// Kept: the AFP line under the old name stays, and so does a removable share's registry line.
+Result rename_share(const char* old_name, const ShareInfo& old_share, ShareInfo& record) {
+  const Result result =
+      in_order([&] { return RenameKey(old_name, record.name, paths::kShares); },
+               [&] { return rename_in_volume(old_name, old_share, record); },
+               [&] { return RenameSect(old_name, record.name, paths::kSmbConf); });
+  if (result == FSH_OK) {
+    record.suffixed = 0;
+  }
+  return result;
+}
+
+void make_updated_folder(int volume, const std::string& escaped_path) {
+  static_cast<void>(run_command("/bin/mkdir -m 775 -p /harddisk/volume_%d/data\"%s\" 2>/dev/null",
+                                volume, escaped_path.c_str()));
+}
+
+Result write_share_with(ShareGroup* groups, const ShareInfo& record) {
+  ShareInfo share = written_fields(record);
+  share.groups = groups;
+  if (const Result failed = AddShareWithGroup(&share)) {
+    return failed;
+  }
+  return is_removable_share(share.name) ? FSH_OK : prepare_share_folder(share, make_updated_folder);
+}
+
+Result update_share(const char* old_name, ShareInfo& record) {
+  ShareGroupInfo access{};
+  copy_field(access.name, old_name);
+  if (const Result failed = GetShareGroup(&access)) {
+    return failed;
+  }
+  const AccessList owner(access.groups);
+  ShareInfo old_share{};
+  copy_field(old_share.name, old_name);
+  const bool renamed = std::string_view(old_name) != record.name;
+  return in_order([&] { return GetShareInfo(&old_share); },
+                  [&] { return leave_old_volume(old_name, old_share, record); },
+                  [&] { return renamed ? rename_share(old_name, old_share, record) : FSH_OK; },
+                  [&] { return write_share_with(access.groups, record); });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned UpdateShare(const char* old_name, ShareInfo* record) {
+  using namespace filesharing;
+  default_child_signal();
+  if (missing(old_name) || record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  record->name[sizeof record->name - 1] = '\0';
+  if (ShareExist(old_name) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  if (std::string_view(old_name) != record->name && ShareExist(record->name) != 0) {
+    return FSH_SHARE_EXISTS;
+  }
+  // Kept: taken locks and a taken name are told by one code.
+  const TransactionOptions options{
+      .mask = kShareFiles, .busy = FSH_UPDATE_SHARE_BUSY, .mirrors = false};
+  return transact(options, [&](Transaction&) { return update_share(old_name, *record); });
+}
