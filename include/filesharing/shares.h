@@ -130,17 +130,49 @@ FSH_API int simple_trans_dir(char* path);
  * argument is missing or empty; name is unchanged then. */
 FSH_API int trans_one_item(const char* directory, char* name);
 
-/* ---- NFS exports ---------------------------------------------------------------------------- */
+/* ---- NFS exports; no locks ------------------------------------------------------------------ */
+
+/* *enabled becomes 1 when NFS is on (key nfs of section "network" is "yes"), else 0, also without a
+ * settings file. 0; -1: enabled is missing. */
 FSH_API int ReadNFSConf(unsigned* enabled);
+
+/* 1 when NFS is on, else 0. */
 FSH_API int IsNFSEnabled(void);
+
+/* Saves the switch. On: a process of its own starts portmap, nfsd and mountd and exports the shares
+ * a second later. Off: withdraws the exports; the daemons go on running. 0; -1: enabled is missing,
+ * or the settings file is not written. */
 FSH_API int SaveNFSConf(const unsigned* enabled);
-FSH_API unsigned UpdateNFSConf(ShareInfo* list);
+
+/* Writes /etc/exports, exports(5), and makes it known, whether NFS is on or off: each share of the
+ * list to which the group "everyone" has access, for every host; read only with rights code 5. With
+ * a null list the registry's shares; a list given stays the caller's.
+ * 0; FSH_FAILED (-1): the registry can not be read or holds no share, or the file could not be
+ * copied back; FSH_NO_TEMPORARY (22); FSH_CANNOT_OPEN (21): the temporary file. */
+FSH_API unsigned UpdateNFSConf(const ShareInfo* list);
+
+/* The entries of section [NFS] of /etc/nfs.info, lines "name=host:mask:flags", as a list that
+ * FreeNFSShList frees. Names of more than 20 characters are left out, hosts are cut to 16.
+ * 0, also without the section; FSH_ARGUMENT (20); FSH_CANNOT_OPEN (21); FSH_FAILED (-1): a line
+ * that is no entry, a blank one too, or no memory; *head is null then. */
 FSH_API unsigned ReadNFSShares(NfsShare** head);
+
+/* Fills the entry of the name entry->name.
+ * 0; FSH_ARGUMENT (20); FSH_CANNOT_OPEN (21); FSH_FAILED (-1): no such entry;
+ * FSH_MALFORMED (24). */
 FSH_API unsigned ReadNFSShare(NfsShare* entry);
+
+/* Tidies and checks an entry: blanks go from the host, and "...", "0.0.0.0" and nothing mean every
+ * host. 0; -1: no entry; -2: the host is no IPv4 address; -3: the mask is not 0 to 32. */
 FSH_API int CheckNFSShare(NfsShare* entry);
+
 FSH_API void FreeNFSShList(NfsShare* head);
+
+/* They change nothing: entries are read only. 0, or -1 for a null pointer. */
 FSH_API int AddNFSShare(const void* entry);
 FSH_API int DelNFSShare(const void* entry);
+
+/* They change nothing: 0, and the value itself. */
 FSH_API int UpdateNFSShare(void);
 FSH_API unsigned ResetNFSShares(unsigned value);
 

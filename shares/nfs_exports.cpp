@@ -1,0 +1,61 @@
+// /etc/exports, exports(5): every share that everyone may use, for all hosts.
+#include "conf/file_rewrite.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/shell.h"
+#include "conf/text.h"
+#include "filesharing/shares.h"
+#include "shares/access_list.h"
+#include "shares/access_text.h"
+
+namespace filesharing {
+namespace {
+
+// The share's line; empty for one that is not exported.
+std::string export_line(const ShareInfo& share) {
+  const ShareGroup* everyone = find_group(share.groups, kEveryone);
+  if (everyone == nullptr) {
+    return {};
+  }
+  const char* access = everyone->rights == FSH_READ_ONLY ? "ro" : "rw";
+  return format("/harddisk/volume_%d/data%s *(%s,async,all_squash,anonuid=501,anongid=501)\n",
+                share.volume, share.path, access);
+}
+
+Result write_exports(const ShareInfo* shares) {
+  FileRewrite rewrite(paths::kExports, {.place = TemporaryPlace::kTmp, .reads_source = false});
+  if (const Result failed = rewrite.open()) {
+    return failed;
+  }
+  for (const ShareInfo* share = shares; share != nullptr; share = share->next) {
+    rewrite.write(export_line(*share));
+  }
+  return rewrite.commit({.sync_before = true, .forgives_echild = true, .failure = FSH_FAILED});
+}
+
+// Kept: whether NFS is on or off.
+Result update_exports(const ShareInfo* shares) {
+  if (const Result failed = write_exports(shares)) {
+    return failed;
+  }
+  static_cast<void>(run_command("/sbin/exportfs -r 2>/dev/null"));  // NFS may not be running
+  return FSH_OK;
+}
+
+Result update_from_registry() {
+  ShareInfo* shares = nullptr;
+  if (GetAllShare(&shares) != FSH_OK || shares == nullptr) {
+    return FSH_FAILED;
+  }
+  const HeapList<ShareInfo> owner(FreeShareList, shares);
+  return update_exports(shares);
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned UpdateNFSConf(const ShareInfo* list) {
+  using namespace filesharing;
+  return guarded(FSH_FAILED,
+                 [&] { return list == nullptr ? update_from_registry() : update_exports(list); });
+}
