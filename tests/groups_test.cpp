@@ -2,6 +2,7 @@
 #include "filesharing/groups.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 
 #include "tests/account_copies.h"
@@ -55,11 +56,27 @@ TEST_F(GroupsTest, ChangesReachTheSecondDisk) {
   EXPECT_EQ(read("/harddisk/volume_2/conf/usrgrp.info"), "");
 }
 
+/* The registry of the shares with what stands there for the group "family". */
+std::string shares_with(const std::string& family) {
+  return "DISK 1=0:1:Public folder:/public/:administrators:7,everyone:7\n"
+         "Music=0:1:Songs of the family:/Music/:administrators:7" +
+         family + ",everyone:5\nProjects=0:1::/Projects/:administrators:7,staff:7\n";
+}
+
 TEST_F(GroupsTest, DeletedGroupIsGoneFromFilesAndShares) {
-  EXPECT_EQ(DelGroup("staff"), 0u);
-  EXPECT_EQ(read(kGroupFile), kSystemGroups + "family:x:2001:alice,carol\n");
-  EXPECT_EQ(read(kUserGroups), kReservedKeys + "family=alice:500,carol:0\n");
+  EXPECT_EQ(read("/etc/share.info"), shares_with(",family:7"));
+  EXPECT_EQ(DelGroup("family"), 0u);
+  EXPECT_EQ(read(kGroupFile), kSystemGroups + "staff:x:2000:alice,bob\n");
+  EXPECT_EQ(read(kUserGroups), kReservedKeys + "staff=alice:500,bob:1000\n");
+  EXPECT_EQ(read("/etc/share.info"), shares_with(""));
   EXPECT_EQ(DelGroup("nobody-knows"), 0u);
+}
+
+TEST_F(GroupsTest, RenamedGroupKeepsItsRights) {
+  EXPECT_EQ(RenameGroup("family", "clan"), 0u);
+  EXPECT_EQ(read("/etc/share.info"), shares_with(",clan:7"));
+  EXPECT_EQ(read(kUserGroups),
+            kReservedKeys + "staff=alice:500,bob:1000\nclan=alice:500,carol:0\n");
 }
 
 TEST_F(GroupsTest, DeletingTakesNoGroupLock) {
@@ -94,7 +111,6 @@ TEST_F(GroupsTest, DeletingAllEmptiesTheListAndSparesReservedGroupsInTheSystemFi
 }
 
 TEST_F(GroupsTest, RenamedGroupKeepsGidAndMembers) {
-  write("/etc/share.info", "");
   write(kUserGroups, "everyone=a:0\nstaff=  alice:500,odd\r\n\nfamily=\n");
   EXPECT_EQ(RenameGroup("staff", "team"), 0u);
   EXPECT_EQ(read(kGroupFile), kSystemGroups + "team:x:2000:alice,bob\nfamily:x:2001:alice,carol\n");
@@ -189,6 +205,8 @@ INSTANTIATE_TEST_SUITE_P(
                                 "rm /etc/usrgrp.info; mkdir /etc/usrgrp.info", false},
                     FailingStep{"delete_system_file_copy", delete_staff, 38, 7, "", true},
                     FailingStep{"delete_list_second_copy", delete_staff, 4294967292u, 9, "", true},
+                    FailingStep{"delete_shares_busy", delete_staff, 52, 0, "touch /tmp/share.lck",
+                                true},
                     FailingStep{"delete_shares_malformed", delete_staff, 24, 0,
                                 "echo Music=x >/etc/win_share.info", true},
                     FailingStep{"delete_all_system_file_copy", DelAllGroup, 38, 7, "", true},
@@ -269,6 +287,28 @@ TEST_F(GroupsTest, AllGroupsWithTheirMembers) {
               }
               FreeGrpList(group);
               return group ? 2u : 0u;
+            }),
+            0u);
+}
+
+TEST_F(GroupsTest, SharesOfAGroup) {
+  GroupItem group{};
+  EXPECT_EQ(GetGrpShares(nullptr), nullptr);
+  EXPECT_EQ(GetGrpShares(&group), nullptr);
+  (void)strcpy(group.name, "nobody");
+  EXPECT_EQ(GetGrpShares(&group), nullptr) << "a group without shares";
+  (void)strcpy(group.name, "everyone");
+  GroupShareInfo* shares = GetGrpShares(&group);
+  ASSERT_NE(shares, nullptr);
+  EXPECT_EQ(Strings(shares->shares, shares->shares + shares->count), Strings({"DISK 1", "Music"}));
+  EXPECT_EQ(shares->rights[0], 7);
+  EXPECT_EQ(shares->rights[1], 5);
+  FreeGrpShareInfo(shares);
+  free(shares);
+  EXPECT_EQ(in_process([] {
+              write("/etc/win_share.info", "FLASH=x\n");
+              GroupItem unlucky{"everyone", 0, nullptr, nullptr, nullptr};
+              return GetGrpShares(&unlucky) ? 1u : 0u;
             }),
             0u);
 }
