@@ -1,0 +1,86 @@
+// Adding, changing and deleting the users of the photo album.
+#include <cstring>
+#include <utility>
+
+#include "album/album_file.h"
+#include "album/album_lock.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "filesharing/album.h"
+#include "filesharing/conf.h"
+#include "platform/profile/profile.h"
+
+namespace filesharing {
+namespace {
+
+constexpr int kFailed = -1;
+
+// Runs a change under the album's lock.
+template <class Change>
+int locked(Change&& change) {
+  wait_for_album_lock();
+  const int result = guarded(kFailed, change);
+  release_album_lock();
+  return result;
+}
+
+// Whether a text appended to the file would begin in the middle of a line.
+bool ends_within_line(std::FILE* file) {
+  return std::fseek(file, -1, SEEK_END) == 0 && std::getc(file) != '\n';
+}
+
+// A user who can not be written is told as one who was: the page shows the list anyway.
+int append_user(const AlbumUserInfo& record) {
+  Stream users = open_stream(paths::kAlbumUsers, "a+");
+  if (users) {
+    const std::string line_end = ends_within_line(users.get()) ? "\n" : "";
+    const std::string name(field_text(record.name));
+    write_text(users.get(),
+               line_end + '[' + name + "]\ninformation=" + information_value(record) + '\n');
+    static_cast<void>(close_written(std::move(users)));
+  }
+  return 0;
+}
+
+int change_user(const char* old_name, const AlbumUserInfo& record) {
+  const std::string information = information_value(record);
+  if (PRO_SetStr(old_name, "information", information.c_str(), paths::kAlbumUsers) != 0) {
+    return kFailed;
+  }
+  const std::string new_name(field_text(record.name));
+  if (new_name == old_name) {
+    return 0;
+  }
+  return static_cast<int>(RenameSect(old_name, new_name.c_str(), paths::kAlbumUsers));
+}
+
+}  // namespace
+}  // namespace filesharing
+
+int AddAlbumUser(const AlbumUserInfo* record) {
+  using namespace filesharing;
+  return guarded(kFailed, [&] {
+    if (record == nullptr || AlbumUserExist(std::string(field_text(record->name)).c_str()) != 0) {
+      return kFailed;
+    }
+    return locked([&] { return append_user(*record); });
+  });
+}
+
+int DelAlbumUser(const char* name) {
+  using namespace filesharing;
+  if (AlbumUserExist(name) == 0) {
+    return kFailed;
+  }
+  return locked([&] { return PRO_DelSect(name, paths::kAlbumUsers); });
+}
+
+int UpdateAlbumUser(const char* old_name, const AlbumUserInfo* record) {
+  using namespace filesharing;
+  if (record == nullptr || AlbumUserExist(old_name) == 0) {
+    return kFailed;
+  }
+  return locked([&] { return change_user(old_name, *record); });
+}

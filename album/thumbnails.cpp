@@ -1,0 +1,59 @@
+// The thumbnails and descriptions of pictures that are gone.
+#include <dirent.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "conf/result.h"
+#include "filesharing/album.h"
+
+namespace filesharing {
+namespace {
+
+// The longer prefix first: it begins with the shorter.
+constexpr std::string_view kPrefixes[] = {"Thumbnail_MED_", "Thumbnail_", "Description_"};
+
+// The picture that a file of the thumbnail folder belongs to; empty for any other file.
+std::string_view picture_of(std::string_view name) {
+  for (const std::string_view prefix : kPrefixes) {
+    if (name.starts_with(prefix)) {
+      return name.substr(prefix.size());
+    }
+  }
+  return {};
+}
+
+bool is_there(const std::string& path) {
+  return access(path.c_str(), F_OK) == 0;
+}
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { closedir(folder); }
+};
+
+int remove_orphans(const std::string& folder) {
+  const std::string thumbnails = folder + "/.Thumb_DB";
+  const std::unique_ptr<DIR, CloseFolder> entries(opendir(thumbnails.c_str()));
+  if (!entries) {
+    return 0;
+  }
+  while (const dirent* entry = readdir(entries.get())) {
+    const std::string name = entry->d_name;
+    const std::string_view picture = picture_of(name);
+    if (!picture.empty() && !is_there(folder + '/' + std::string(picture))) {
+      unlink((thumbnails + '/' + name).c_str());
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace filesharing
+
+int CheckAlbumThumbFiles(const char* folder) {
+  return folder == nullptr
+             ? 0
+             : filesharing::guarded(0, [&] { return filesharing::remove_orphans(folder); });
+}

@@ -1,0 +1,262 @@
+// The users of the photo album and the folders that each may see.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "filesharing/album.h"
+#include "tests/device_test.h"
+
+namespace {
+
+constexpr char kUsers[] = "/etc/album_user.conf";
+constexpr char kLock[] = "/tmp/album.lck";
+constexpr char kCopy[] =
+    "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] [/etc/album_user.conf]";
+constexpr char kLeft[] = "+/harddisk/volume_1/conf/tmp/tmpfile.XXXXXX";
+constexpr char kChanged[] = "~/etc/album_user.conf";
+
+constexpr char kTwoUsers[] =
+    "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\n\nnonsense\nkey=value\nalbum=2:/b:c\n\n"
+    "[Bert]x\r\ninformation=B::-3:4:5\nalbum=0:/a\n\nother\n";
+
+class AlbumUsersTest : public DeviceTest {
+ protected:
+  static AlbumUserInfo user(const char* name, const char* information1 = "one",
+                            const char* information2 = "two") {
+    AlbumUserInfo record{};
+    std::strcpy(record.name, name);
+    std::strcpy(record.information1, information1);
+    std::strcpy(record.information2, information2);
+    record.number1 = -1;
+    record.number2 = 7;
+    return record;
+  }
+};
+
+TEST_F(AlbumUsersTest, UsersAreFoundInAnyLetterCase) {
+  write(kUsers, kTwoUsers);
+  EXPECT_EQ(NumOfAlbumUser(), 2);
+  const std::pair<const char*, int> names[] = {{"anna", 1},  {"ANNA", 1}, {"bert", 1}, {"ann", 0},
+                                               {"annab", 0}, {"", 0},     {nullptr, 0}};
+  for (const auto& [name, exists] : names) {
+    EXPECT_EQ(AlbumUserExist(name), exists);
+  }
+  AlbumUserInfo record = user("BERT");
+  EXPECT_EQ(GetAlbumUserInfo(&record), 0);
+  EXPECT_STREQ(record.information1, "B");
+  EXPECT_STREQ(record.information2, "");
+  EXPECT_EQ(record.number1, -3);
+  EXPECT_EQ(record.number2, 4);
+  record = user("carl");
+  EXPECT_EQ(GetAlbumUserInfo(&record), -1);
+  EXPECT_EQ(GetAlbumUserInfo(nullptr), -1);
+  write(kUsers, "[carl]\ninformation=a:b:3\n");
+  EXPECT_EQ(GetAlbumUserInfo(&record), -1);
+  EXPECT_STREQ(record.information1, "one");
+}
+
+TEST_F(AlbumUsersTest, WithoutTheFileThereAreNoUsers) {
+  unlink(kUsers);
+  AlbumUserInfo record = user("anna");
+  AlbumUserInfo* head = &record;
+  EXPECT_EQ(NumOfAlbumUser(), 0);
+  EXPECT_EQ(AlbumUserExist("anna"), 0);
+  EXPECT_EQ(GetAlbumUserInfo(&record), 0) << "and the record stays as it was";
+  EXPECT_STREQ(record.information1, "one");
+  EXPECT_EQ(GetAllAlbumUsers(&head), -1);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("anna", "/a"), 0);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("admin", "/a"), 2);
+  EXPECT_EQ(AddFolderToAlbumUser("anna", "/a", 1), -1);
+  EXPECT_FALSE(exists(kLock));
+}
+
+TEST_F(AlbumUsersTest, ListHoldsTheUsersWithInformation) {
+  const std::string long_text(200, 't');
+  write(kUsers, "album=1:/stray\n[a]\ninformation=1:2:3:4\ninformation=x\n[empty]\nalbum=1:/\n[" +
+                    long_text + "\ninformation=" + long_text + ":" + long_text + ":5:6:7\n");
+  AlbumUserInfo* head = nullptr;
+  ASSERT_EQ(GetAllAlbumUsers(&head), 0);
+  ASSERT_NE(head, nullptr);
+  EXPECT_STREQ(head->name, "a");
+  EXPECT_STREQ(head->information1, "1");
+  EXPECT_STREQ(head->information2, "2");
+  ASSERT_NE(head->next, nullptr);
+  EXPECT_EQ(head->next->name, std::string(20, 't'));
+  EXPECT_EQ(head->next->information1, std::string(50, 't'));
+  EXPECT_EQ(head->next->information2, std::string(15, 't'));
+  EXPECT_EQ(head->next->number2, 6);
+  EXPECT_EQ(head->next->next, nullptr);
+  FreeAlbumUserList(head);
+
+  write(kUsers, "[a]\ninformation=1:2:3:4\n[b]\ninformation=1:2:3\n");
+  EXPECT_EQ(GetAllAlbumUsers(&head), -1);
+  EXPECT_EQ(head, nullptr);
+  EXPECT_EQ(GetAllAlbumUsers(nullptr), -1);
+}
+
+TEST_F(AlbumUsersTest, UsersAreAddedChangedAndDeleted) {
+  write(kUsers, "[anna]\ninformation=a:b:1:2");
+  AlbumUserInfo record = user("Carl");
+  EXPECT_EQ(AddAlbumUser(&record), 0);
+  EXPECT_EQ(read(kUsers), "[anna]\ninformation=a:b:1:2\n[Carl]\ninformation=one:two:-1:7\n");
+  record = user("carl");
+  EXPECT_EQ(AddAlbumUser(&record), -1);
+  EXPECT_EQ(AddAlbumUser(nullptr), -1);
+
+  record = user("Anna", "A", "");
+  EXPECT_EQ(UpdateAlbumUser("anna", &record), 0);
+  EXPECT_EQ(read(kUsers), "[Anna]\ninformation=A::-1:7\n[Carl]\ninformation=one:two:-1:7\n");
+  EXPECT_EQ(UpdateAlbumUser("nobody", &record), -1);
+  EXPECT_EQ(UpdateAlbumUser("Anna", nullptr), -1);
+
+  EXPECT_EQ(DelAlbumUser("ANNA"), 0);
+  EXPECT_EQ(read(kUsers), "[Carl]\ninformation=one:two:-1:7\n");
+  EXPECT_EQ(DelAlbumUser("Anna"), -1);
+  EXPECT_FALSE(exists(kLock));
+}
+
+TEST_F(AlbumUsersTest, UserThatCanNotBeWritten) {
+  unlink(kUsers);
+  mkdir(kUsers, 0755);
+  const AlbumUserInfo record = user("anna");
+  EXPECT_EQ(AddAlbumUser(&record), 0) << "told as added";
+  rmdir(kUsers);
+  write(kUsers, "[anna]\n");
+  fail_command("cp", 2);
+  const AlbumUserInfo renamed = user("Ann");
+  EXPECT_EQ(UpdateAlbumUser("anna", &renamed), -1) << "the section keeps its name";
+  EXPECT_FALSE(exists(kLock));
+}
+
+TEST_F(AlbumUsersTest, FoldersAreAddedAndRemovedWithinTheSection) {
+  const std::string anna =
+      "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nkey=value\nalbum=2:/b:c\n";
+  const std::string bert = "[Bert]x\r\ninformation=B::-3:4:5\nalbum=0:/a\n";
+  struct Case {
+    const char* name;
+    std::function<int()> change;
+    std::string expected;
+  };
+  const Case cases[] = {
+      {"new folder", [] { return AddFolderToAlbumUser("ANNA", "/n", 3); },
+       anna + "album=3:/n\n" + bert + "other\n"},
+      {"old folder keeps its right", [] { return AddFolderToAlbumUser("anna", "/b:c", 3); },
+       anna + bert + "other\n"},
+      {"last section", [] { return AddFolderToAlbumUser("bert", "/n", -1); },
+       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert +
+           "album=-1:/n\n"},
+      {"unknown user", [] { return AddFolderToAlbumUser("carl", "/n", 1); },
+       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert +
+           "other\n"},
+      {"folder removed", [] { return DelFolderFromAlbumUser("anna", "/a"); },
+       "[anna]\ninformation=Anna A:x:1:2\nalbum=2:/b:c\n" + bert + "other\n"},
+      {"folder that is not there", [] { return DelFolderFromAlbumUser("bert", "/x"); },
+       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert},
+  };
+  for (const Case& c : cases) {
+    write(kUsers, kTwoUsers);
+    clear_commands();
+    Snapshot before = snapshot();
+    EXPECT_EQ(c.change(), 0) << c.name;
+    EXPECT_EQ(read(kUsers), c.expected) << c.name;
+    EXPECT_EQ(commands(), Strings({kCopy})) << c.name;
+    EXPECT_EQ(changes(before), Strings({kChanged, kLeft})) << c.name;
+  }
+}
+
+TEST_F(AlbumUsersTest, FailedCopyKeepsTheLockAndTheNextChangeWaitsInVain) {
+  write(kUsers, kTwoUsers);
+  const Snapshot before = snapshot();
+  fail_command("cp", 1);
+  EXPECT_EQ(AddFolderToAlbumUser("anna", "/n", 1), -1);
+  EXPECT_EQ(changes(before), Strings({std::string("+") + kLock}));
+  clear_commands();
+  EXPECT_EQ(DelFolderFromAlbumUser("anna", "/a"), 0);
+  Strings expected(14, "sleep 2");
+  expected.push_back(kCopy);
+  EXPECT_EQ(commands(), expected);
+  EXPECT_FALSE(exists(kLock)) << "released by whoever went on without it";
+}
+
+TEST_F(AlbumUsersTest, LockThatIsReleasedInTimeEndsTheWait) {
+  write(kUsers, kTwoUsers);
+  write(kLock, "");
+  at_sleep(3, [] { unlink(kLock); });
+  EXPECT_EQ(DelAlbumUser("anna"), 0);
+  EXPECT_EQ(commands(), Strings(3, "sleep 2"));
+  EXPECT_FALSE(exists(kLock));
+}
+
+TEST_F(AlbumUsersTest, NoTemporaryFileIsNoFailure) {
+  ASSERT_EQ(system("rm -r /harddisk/volume_1/conf/tmp"), 0);
+  const Snapshot before = snapshot();
+  EXPECT_EQ(AddFolderToAlbumUser("anna", "/n", 1), 0);
+  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
+  EXPECT_EQ(changes(before), Strings());
+}
+
+TEST_F(AlbumUsersTest, RightOfTheFolderInTheFirstSectionOfTheUser) {
+  write(kUsers, kTwoUsers);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("ANNA", "/b:c"), 2);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("anna", "/a"), 1);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("anna", "/"), 0);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("bert", "/a"), 0);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("admin", "/x"), 2);
+  EXPECT_EQ(RightOfFolderOnAlbumUser("Admin", "/x"), 0);
+  EXPECT_EQ(RightOfFolderOnAlbumUser(nullptr, "/a"), 0);
+}
+
+class AlbumPruningTest : public AlbumUsersTest {
+ protected:
+  void SetUp() override {
+    AlbumUsersTest::SetUp();
+    write("/etc/share.info", "Photos=0:1:c:/pics/:administrators:7\n");
+    write("/etc/CGI_ds.conf",
+          "[photo_album]\nalbum_enable=no\nalbum_path=/Photos/2024\nalbum_back_music=\n");
+    ASSERT_EQ(system("mkdir -p /harddisk/volume_1/data/pics/2024/sub/kept /tmp/here"), 0);
+    write(kUsers, text_);
+    ASSERT_EQ(chdir("/tmp"), 0);
+  }
+  const std::string text_ =
+      "[anna]\r\ninformation=x\n\nalbum=1:kept\r\nalbum=2:gone\nalbum=nothing\n album=1:gone\n"
+      "album=1:here\nalbum=1:../sub";
+};
+
+TEST_F(AlbumPruningTest, FoldersThatAreGoneAreDropped) {
+  const Snapshot before = snapshot();
+  EXPECT_EQ(UpdateAlbumUserConf("//./sub/x/../"), 0);
+  EXPECT_EQ(read(kUsers),
+            "[anna]\r\ninformation=x\n\nalbum=1:kept\r\n album=1:gone\nalbum=1:../sub");
+  EXPECT_EQ(changes(before), Strings({kChanged}));
+  EXPECT_EQ(commands(), Strings({kCopy}));
+  EXPECT_EQ(access("here", F_OK), 0) << "back in the caller's folder";
+}
+
+TEST_F(AlbumPruningTest, WithoutAnAlbumNothingIsDropped) {
+  const Snapshot before = snapshot();
+  EXPECT_EQ(UpdateAlbumUserConf("/nowhere"), 0);
+  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=Photos\nalbum_back_music=\n");
+  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
+  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=/Gone\nalbum_back_music=\n");
+  EXPECT_EQ(UpdateAlbumUserConf(nullptr), 0);
+  unlink("/etc/CGI_ds.conf");
+  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
+  EXPECT_EQ(changes(before), Strings({"-/etc/CGI_ds.conf"}));
+  EXPECT_EQ(commands(), Strings());
+}
+
+TEST_F(AlbumPruningTest, Failures) {
+  fail_command("cp", 1);
+  EXPECT_EQ(UpdateAlbumUserConf("/sub"), -1);
+  EXPECT_TRUE(exists(kLock));
+  EXPECT_EQ(read(kUsers), text_);
+  EXPECT_EQ(access("here", F_OK), 0);
+  unlink(kLock);
+  unlink(kUsers);
+  const Snapshot before = snapshot();
+  EXPECT_EQ(UpdateAlbumUserConf("/sub"), -1);
+  EXPECT_EQ(changes(before), Strings());
+}
+
+}  // namespace
