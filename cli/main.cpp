@@ -24,6 +24,9 @@ void add_all_verbs(CLI::App& app) {
   add_user_verbs(app);
   add_lock_verbs(app);
   add_backup_verbs(app);
+  add_samba_verbs(app);
+  add_ftp_verbs(app);
+  add_https_verbs(app);
 }
 
 // The innermost command that was given.
