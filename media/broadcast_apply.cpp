@@ -1,0 +1,111 @@
+// Makes the music broadcast, ample, follow its settings; inetd starts it.
+#include <unistd.h>
+
+#include "conf/inetd.h"
+#include "conf/line_rules.h"
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/settings.h"
+#include "conf/shell.h"
+#include "conf/text.h"
+#include "filesharing/media.h"
+#include "media/folder_reference.h"
+#include "media/media_servers.h"
+#include "platform/profile/profile.h"
+
+namespace filesharing {
+namespace {
+
+constexpr char kSwitch[] = "music_broad";
+
+constexpr RewriteOptions kSystemFile{
+    .place = TemporaryPlace::kTmp, .opens_source_first = true, .no_temporary = FSH_CANNOT_OPEN};
+constexpr CopyBack kCopyBack{.forgives_echild = true, .failure = FSH_SERVICE_NOT_APPLIED};
+
+// Kept: with the service off its line stays in /etc/services, unlike that of FTP.
+std::vector<LineRule> rules_of_services(const BroadcastSettings& settings) {
+  if (settings.enabled == 0) {
+    return {};
+  }
+  return {{.mark = "ample",
+           .at_start = true,
+           .line = format("ample\t%d/tcp\n", settings.port),
+           .appended = 1}};
+}
+
+std::vector<LineRule> rules_of_inetd(const BroadcastSettings& settings) {
+  const char* line = "ample\tstream\ttcp\tnowait\troot\t/usr/sbin/ample\n";
+  return {{.mark = "ample", .line = settings.enabled != 0 ? line : "", .appended = 1}};
+}
+
+void set_key(const char* key, const std::string& value) {
+  // A daemon with an old key plays on; the page's answer is about the system's files.
+  static_cast<void>(PRO_SetStr(nullptr, key, value.c_str(), paths::kAmple));
+}
+
+Result write_configuration(const BroadcastSettings& settings, const FolderReference& reference,
+                           const ShareInfo& share) {
+  const SettingsFile file;
+  if (!file.opened()) {
+    return FSH_CANNOT_OPEN;
+  }
+  set_key("mp3path", format("/harddisk/volume_%d/data%s/%s", share.volume, share.path,
+                            reference.folder.c_str()));
+  static_cast<void>(PRO_SetInt(nullptr, "port", settings.port, paths::kAmple));
+  set_key("order", std::string_view(settings.play_method) == "order" ? "true" : "false");
+  set_key("servername", settings.name);
+  set_key("serveraddress", file.section("network").text("ip_addr", 16).value_or(""));
+  return FSH_OK;
+}
+
+// The folder of the settings. The switch goes off with a folder or share that is gone.
+Result find_folder_or_switch_off(const BroadcastSettings& settings, FolderReference& reference,
+                                 ShareInfo& share) {
+  const ResolvedFolder resolved = resolve_folder(settings.path);
+  reference = resolved.reference;
+  if (!resolved.there()) {
+    if (resolved.state == ResolvedFolder::State::kNoFolder) {
+      switch_off(kSwitch);
+    }
+    return FSH_FAILED;
+  }
+  const Result unknown = find_share(reference.share, share);
+  if (unknown != FSH_OK) {
+    switch_off(kSwitch);
+  }
+  return unknown;
+}
+
+// A service that is off goes through all steps, too: they take it out of inetd.
+Result reset() {
+  default_child_signal();
+  BroadcastSettings settings{};
+  if (ReadBroadConf(&settings) != 0) {
+    return FSH_FAILED;
+  }
+  static_cast<void>(run_command("/bin/killall ample 2>/dev/null"));  // it need not run
+  sleep(2);
+  FolderReference reference;
+  ShareInfo share{};
+  return in_order([&] { return find_folder_or_switch_off(settings, reference, share); },
+                  [&] { return write_configuration(settings, reference, share); },
+                  [&] {
+                    return rewrite_by_rules(paths::kServices, kSystemFile, kCopyBack,
+                                            rules_of_services(settings), kLongestLine);
+                  },
+                  [&] {
+                    return rewrite_by_rules(paths::kInetd, kSystemFile, kCopyBack,
+                                            rules_of_inetd(settings), kLongestLine);
+                  },
+                  [] {
+                    stop_inetd();
+                    return start_inetd_detached();
+                  });
+}
+
+}  // namespace
+}  // namespace filesharing
+
+unsigned ResetBroadcast(void) {
+  return filesharing::guarded(FSH_FAILED, filesharing::reset);
+}

@@ -1,0 +1,121 @@
+// Signals to the UPnP AV server and its scanner, and the removal of what the scanner found.
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "conf/paths.h"
+#include "conf/result.h"
+#include "conf/settings.h"
+#include "conf/stream.h"
+#include "conf/text.h"
+#include "conf/volumes.h"
+#include "filesharing/media.h"
+#include "media/folder_reference.h"
+#include "platform/profile/profile.h"
+#include "platform/utility/utility.h"
+
+namespace filesharing {
+namespace {
+
+// The process of a pid file; -1 without the file or a number in it.
+pid_t read_pid(const char* path) {
+  const Stream file = open_stream(path, "r");
+  int pid = 0;
+  return file && std::fscanf(file.get(), "%d", &pid) == 1 ? pid : -1;
+}
+
+// What kill(2) returns. A pid below 1 would reach whole groups of processes: it is returned
+// instead.
+int send_signal(const char* pid_file, int number) {
+  const pid_t pid = read_pid(pid_file);
+  return pid < 1 ? pid : kill(pid, number);
+}
+
+bool is_removable(const ShareInfo& share) {
+  const std::string_view name = share.name;
+  return name.starts_with("HDD") || name.starts_with("FLASH");
+}
+
+bool publishes_removable_share(const UPnPAVSettings& settings) {
+  for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
+    FolderReference reference;
+    ShareInfo share{};
+    if (settings.folder_used[slot] != 0 &&
+        find_folder(std::string(field_text(settings.folder_path[slot])), reference, share) &&
+        is_removable(share)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void remove_database() {
+  const int volume = DiskPresence().first_fixed_volume();
+  if (volume != 0) {
+    const std::string folder = paths::media_database(volume);
+    unlink((folder + "/media_server.db").c_str());
+    unlink((folder + "/db_scan.ok").c_str());
+  }
+}
+
+void remove_database_of(const UPnPAVSettings& settings, bool remove_db) {
+  if (remove_db || publishes_removable_share(settings)) {
+    remove_database();
+  }
+}
+
+void end_daemon() {
+  const pid_t pid = read_pid(paths::kMediaServerPid);
+  if (pid >= 1) {
+    static_cast<void>(kill(pid, SIGTERM));  // it may have ended by itself
+    sleep(4);
+  }
+}
+
+void write_port() {
+  const SettingsFile file;
+  if (file.opened()) {
+    const std::string port = file.section("network").text("port", 6).value_or("80");
+    // The signal makes the server read the file again, changed or not.
+    static_cast<void>(PRO_SetStr(nullptr, "device_port", port.c_str(), paths::kMedia));
+  }
+}
+
+}  // namespace
+}  // namespace filesharing
+
+void StopUPnPDaemon(const UPnPAVSettings* settings, int remove_db) {
+  using namespace filesharing;
+  guarded(0, [&] {
+    UPnPAVSettings own{};
+    if (settings != nullptr) {
+      remove_database_of(*settings, remove_db != 0);
+    } else if (ReadUPnPAVConf(&own) == 0) {
+      remove_database_of(own, remove_db != 0);
+    }
+    return 0;
+  });
+  end_daemon();
+}
+
+int ScanUPnPAVServer(void) {
+  return filesharing::send_signal(filesharing::paths::kMediaScanPid, SIGHUP);
+}
+
+int ReloadUPnPAVServerIP(void) {
+  using namespace filesharing;
+  guarded(0, [] {
+    write_port();
+    return 0;
+  });
+  return send_signal(paths::kMediaServerPid, SIGHUP);
+}
+
+void RemoveDBOKFlag(void) {
+  using namespace filesharing;
+  guarded(0, [] {
+    const int volume = FirstAvaibleVolume();
+    return volume < 0 ? 0 : unlink((paths::media_database(volume) + "/db_scan.ok").c_str());
+  });
+}
