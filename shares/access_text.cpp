@@ -1,5 +1,7 @@
 #include "shares/access_text.h"
 
+#include "conf/text.h"
+
 namespace filesharing {
 
 std::string access_name(std::string_view group, std::string_view quote) {
@@ -11,8 +13,9 @@ std::string access_names(const ShareGroup* groups,
                          std::string_view quote) {
   std::string text = access_name(kAdministrators, quote);
   for (const ShareGroup* group = groups; group != nullptr; group = group->next) {
-    if (group->name != kAdministrators && admits(*group)) {
-      text.append(",").append(access_name(group->name, quote));
+    const std::string_view name = field_text(group->name);
+    if (name != kAdministrators && admits(*group)) {
+      text.append(",").append(access_name(name, quote));
     }
   }
   return text;

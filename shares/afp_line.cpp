@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "conf/paths.h"
 #include "conf/text.h"
 #include "shares/access_text.h"
+#include "shares/share_folder.h"
 
 namespace filesharing {
 
@@ -29,11 +29,9 @@ std::string afp_line(const ShareInfo& share, bool read_only) {
   });
   const std::string users =
       access_names(share.groups, [](const ShareGroup& group) { return group.name[0] != '\0'; });
-  const std::string_view path = share.path;
   // Kept: two blanks before rwlist.
-  return format("\"%s%s%s\" \"[%s]\"  rwlist:%s allow:%s\n",
-                paths::volume_data(share.volume).c_str(), share.path,
-                path.ends_with('/') ? "" : "/", share.name, writers.c_str(), users.c_str());
+  return format("\"%s\" \"[%s]\"  rwlist:%s allow:%s\n", served_folder(share).c_str(),
+                std::string(field_text(share.name)).c_str(), writers.c_str(), users.c_str());
 }
 
 std::string with_afp_line(std::string_view text, std::string_view name, std::string_view line) {

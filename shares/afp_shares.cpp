@@ -26,7 +26,7 @@ unsigned SetAFPShare(const ShareInfo* record, unsigned read_only) {
     return FSH_ARGUMENT;
   }
   return rewrite_folders([&](std::string_view text) {
-    return with_afp_line(text, record->name, afp_line(*record, read_only != 0));
+    return with_afp_line(text, field_text(record->name), afp_line(*record, read_only != 0));
   });
 }
 

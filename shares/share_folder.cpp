@@ -8,6 +8,7 @@
 
 #include "conf/paths.h"
 #include "conf/shell.h"
+#include "conf/text.h"
 
 namespace filesharing {
 namespace {
@@ -51,6 +52,12 @@ Result make_open_folder(const ShareInfo& share, MakeFolder make_folder) {
 }
 
 }  // namespace
+
+std::string served_folder(const ShareInfo& share) {
+  std::string folder = paths::volume_data(share.volume);
+  folder.append(field_text(share.path));
+  return folder.ends_with('/') ? folder : folder + '/';
+}
 
 Result prepare_share_folder(const ShareInfo& share, MakeFolder make_folder) {
   return guarded(FSH_SHARE_NOT_ADDED, [&] { return make_open_folder(share, make_folder); });

@@ -9,6 +9,9 @@
 
 namespace filesharing {
 
+// The folder as the daemons are told it: absolute, with a slash at its end.
+std::string served_folder(const ShareInfo& share);
+
 // Runs the command that makes the folder; the path is ready for between double quotes.
 using MakeFolder = void (*)(int volume, const std::string& escaped_path);
 

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "conf/paths.h"
 #include "conf/text.h"
 #include "shares/access_text.h"
+#include "shares/share_folder.h"
 
 namespace filesharing {
 
@@ -34,15 +34,14 @@ std::string smb_section_body(const ShareInfo& share, bool read_only) {
   const std::string writers = access_names(share.groups, [&](const ShareGroup& group) {
     return !read_only && group.rights == FSH_READ_WRITE;
   });
-  const std::string_view path = share.path;
   return format(
       "valid users=%s\n"
       "comment=%s\n"
-      "path=%s%s%s\n"
+      "path=%s\n"
       "read only=yes\n"
       "write list=%s\n",
-      users.c_str(), share.comment, paths::volume_data(share.volume).c_str(), share.path,
-      path.ends_with('/') ? "" : "/", writers.c_str());
+      users.c_str(), std::string(field_text(share.comment)).c_str(), served_folder(share).c_str(),
+      writers.c_str());
 }
 
 std::string with_smb_section(std::string_view text, std::string_view name, std::string_view body) {

@@ -15,7 +15,7 @@ namespace {
 Result set_section(const ShareInfo& share, bool read_only) {
   return rewrite_daemon_file(
       paths::kSmbConf, FSH_SMB_SHARES_NOT_WRITTEN, [&](std::string_view text) {
-        return with_smb_section(text, share.name, smb_section_body(share, read_only));
+        return with_smb_section(text, field_text(share.name), smb_section_body(share, read_only));
       });
 }
 

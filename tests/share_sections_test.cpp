@@ -117,6 +117,20 @@ TEST_F(ShareSectionsTest, AccessListDecidesWhoEntersAndWhoWrites) {
   write_afp(&nobody, nullptr, 0);
 }
 
+TEST_F(ShareSectionsTest, FieldsMayBeFilledToTheLastByte) {
+  ShareInfo full{};
+  std::memset(full.name, 'n', sizeof full.name);
+  std::memset(full.comment, 'c', sizeof full.comment);
+  std::memset(full.path, 'p', sizeof full.path);
+  EXPECT_EQ(WriteSmbShare(&full), 0u);
+  EXPECT_TRUE(read(kSmb).ends_with(
+      "[" + std::string(21, 'n') + "]\nvalid users=@\"administrators\"\ncomment=" +
+      std::string(49, 'c') + "\npath=/harddisk/volume_0/data" + std::string(258, 'p') +
+      "/\nread only=yes\nwrite list=@\"administrators\"\n"));
+  EXPECT_EQ(WriteAFPShare(&full), 0u);
+  EXPECT_NE(read(kAfp).find("\"[" + std::string(21, 'n') + "]\"  rwlist"), std::string::npos);
+}
+
 TEST_F(ShareSectionsTest, SectionIsReplacedInPlaceOrAppended) {
   const std::string body = kDocsBody;
   struct Case {
