@@ -7,6 +7,7 @@
 #include "cli/output.h"
 #include "cli/password.h"
 #include "cli/record_text.h"
+#include "cli/user_change_verbs.h"
 #include "cli/verbs.h"
 #include "filesharing/groups.h"
 #include "filesharing/users.h"
@@ -126,6 +127,7 @@ void add_user_verbs(CLI::App& app) {
       "The password is typed at the terminal or is one line of standard input.\n"
       "Exit status 0: it is the user's; 1: it is not.");
   add_user_name(check, check.arguments.name);
+  add_user_change_verbs(group);
 }
 
 }  // namespace fileshare

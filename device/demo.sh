@@ -23,4 +23,32 @@ users() {
   try "echo correcthorse | fileshare user check-password bob"
 }
 
+# Tries a command and shows what it changes in each account file.
+try_and_compare() {
+  mkdir -p /tmp/before
+  for file in passwd group usrgrp.info samba/smbpasswd; do
+    cp "/etc/$file" "/tmp/before/${file##*/}"
+  done
+  try "$*"
+  for file in passwd group usrgrp.info samba/smbpasswd; do
+    diff -U 0 "/tmp/before/${file##*/}" "/etc/$file" |
+      sed -n -e "1s|.*|  in /etc/$file:|p" -e '/^[-+][-+]/d' -e '/^@/d' -e 's/^[-+]/    &/p'
+  done
+}
+
+life_of_a_user() {
+  title "A user's life: what each step changes in the account files"
+  try_and_compare "echo word-77 | fileshare user add dave --description 'Dave Miller' --quota 250 --group staff --group family"
+  try "cat /tmp/edquota.tmp"
+  try "echo word-77 | fileshare user check-password dave"
+  try_and_compare "fileshare user update dave --description 'David Miller' --quota 500"
+  try_and_compare "echo long-password | fileshare user set-password dave"
+  try_and_compare "fileshare user rename dave david"
+  try "fileshare user show david"
+  title "A name that is taken is refused in any letter case; then the user goes again"
+  try_and_compare "fileshare user rename david Alice"
+  try_and_compare "fileshare user delete david"
+}
+
 users
+life_of_a_user
