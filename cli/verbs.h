@@ -62,6 +62,7 @@ VerbWith<Arguments>& add_verb(CLI::App& group, std::string name, std::string hel
 }
 
 void add_user_verbs(CLI::App& app);
+void add_group_verbs(CLI::App& app);
 void add_lock_verbs(CLI::App& app);
 void add_backup_verbs(CLI::App& app);
 void add_samba_verbs(CLI::App& app);
