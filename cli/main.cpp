@@ -23,6 +23,7 @@ constexpr const char* kFooter =
 void add_all_verbs(CLI::App& app) {
   add_user_verbs(app);
   add_group_verbs(app);
+  add_share_verbs(app);
   add_lock_verbs(app);
   add_backup_verbs(app);
   add_samba_verbs(app);

@@ -68,6 +68,7 @@ void add_backup_verbs(CLI::App& app);
 void add_samba_verbs(CLI::App& app);
 void add_ftp_verbs(CLI::App& app);
 void add_https_verbs(CLI::App& app);
+void add_share_verbs(CLI::App& app);
 
 }  // namespace fileshare
 

@@ -50,5 +50,23 @@ life_of_a_user() {
   try_and_compare "fileshare user delete david"
 }
 
+shares() {
+  title "A folder is shared: a user, a group, and a share that the group may use"
+  try "echo word-77 | fileshare user add dave"
+  try fileshare group add cinema
+  try fileshare group add-user cinema dave
+  try "fileshare share add Films /Films --comment 'Holiday films'"
+  try fileshare share grant cinema Films
+  try fileshare share list
+  title "Every place that carries the share agrees: registry, volume, Samba, AFP"
+  try grep ^Films= /etc/share.info /harddisk/volume_1/conf/share.info
+  try "sed -n '/^\\[Films\\]/,\$p' /etc/samba/smb.conf"
+  try "grep '\\[Films\\]' /etc/netatalk/AppleVolumes.conf"
+  title "Taking access away rewrites the AFP line in another form"
+  try fileshare share revoke cinema Films
+  try "grep '\\[Films\\]' /etc/netatalk/AppleVolumes.conf"
+}
+
 users
 life_of_a_user
+shares
