@@ -186,7 +186,7 @@ std::string folder_that_stays() {
   std::string fault;
   for (const ShareInfo* share = shares; share != nullptr && fault.empty(); share = share->next) {
     fault = removal_fault(share->path);
-    if (!fault.empty()) fault = "share " + in_quotes(share->name) + ": " + fault;
+    if (!fault.empty()) fault.insert(0, "share " + in_quotes(share->name) + ": ");
   }
   FreeShareList(shares);
   return fault;
@@ -239,7 +239,9 @@ CLI::Option* add_share_name(CLI::App& verb, std::string& name) {
   return add_name(verb, name, "NAME", "The share's name", kShareName);
 }
 
-const CLI::Range kVolumes(1, 5);
+CLI::Range volumes() {
+  return {1, 5};
+}
 
 void add_showing_verbs(CLI::App& group) {
   auto& list = add_verb(group, "list", "List the shares and who may use them", list_shares);
@@ -259,7 +261,7 @@ void add_changing_verbs(CLI::App& group) {
       ->required()
       ->check(folder_fault);
   add.add_option("--volume", add.arguments.volume, "The volume's number")
-      ->check(kVolumes)
+      ->check(volumes())
       ->capture_default_str();
   add.add_option("--comment", add.arguments.comment, "A comment")->check(follows(kComment));
 
@@ -267,7 +269,7 @@ void add_changing_verbs(CLI::App& group) {
   add_share_name(update, update.arguments.name);
   update.add_option("--folder", update.arguments.folder, "The new folder; the old one stays")
       ->check(folder_fault);
-  update.add_option("--volume", update.arguments.volume, "The new volume")->check(kVolumes);
+  update.add_option("--volume", update.arguments.volume, "The new volume")->check(volumes());
   update.add_option("--comment", update.arguments.comment, "The new comment")
       ->check(follows(kComment));
 

@@ -52,9 +52,9 @@ life_of_a_user() {
 
 shares() {
   title "A folder is shared: a user, a group, and a share that the group may use"
-  try "echo word-77 | fileshare user add dave"
+  try "echo word-77 | fileshare user add erin"
   try fileshare group add cinema
-  try fileshare group add-user cinema dave
+  try fileshare group add-user cinema erin
   try "fileshare share add Films /Films --comment 'Holiday films'"
   try fileshare share grant cinema Films
   try fileshare share list
