@@ -26,11 +26,6 @@ int locked(Change&& change) {
   return result;
 }
 
-// Whether a text appended to the file would begin in the middle of a line.
-bool ends_within_line(std::FILE* file) {
-  return std::fseek(file, -1, SEEK_END) == 0 && std::getc(file) != '\n';
-}
-
 // A user who can not be written is told as one who was: the page shows the list anyway.
 int append_user(const AlbumUserInfo& record) {
   Stream users = open_stream(paths::kAlbumUsers, "a+");

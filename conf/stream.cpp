@@ -14,6 +14,11 @@ void write_text(std::FILE* stream, std::string_view text) {
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));  // ferror remembers
 }
 
+bool ends_within_line(std::FILE* stream) {
+  const bool within = std::fseek(stream, -1, SEEK_END) == 0 && std::getc(stream) != '\n';
+  return std::fseek(stream, 0, SEEK_END) == 0 && within;
+}
+
 bool close_written(Stream stream) {
   const bool written = std::ferror(stream.get()) == 0;
   return (std::fclose(stream.release()) == 0) && written;

@@ -22,6 +22,10 @@ Stream open_stream(const std::string& path, const char* mode);
 // Writes every byte of text; a failure shows in ferror and so in close_written.
 void write_text(std::FILE* stream, std::string_view text);
 
+// Whether what is appended to a file would begin in the middle of its last line. The stream is open
+// for reading and appending.
+bool ends_within_line(std::FILE* stream);
+
 // Closes a stream that was written to. False when a byte of it could not be written.
 [[nodiscard]] bool close_written(Stream stream);
 

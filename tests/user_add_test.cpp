@@ -53,6 +53,14 @@ TEST_F(AddUserTest, UserStandsInEveryFile) {
   EXPECT_EQ(IsUserPassCorrect("dave", "word-77"), 1);
 }
 
+TEST_F(AddUserTest, LastLineWithoutItsEndStaysALineOfItsOwn) {
+  write("/etc/passwd", "root:x:0:0::/:/bin/sh\nalice:x:2000:501:::/dev/null");
+  EXPECT_EQ(add(user("dave")), 0u);
+  EXPECT_EQ(read("/etc/passwd"),
+            "root:x:0:0::/:/bin/sh\nalice:x:2000:501:::/dev/null\n"
+            "dave:Jq5EBTBqUeV2g:2001:501:Dave Miller::/dev/null\n");
+}
+
 TEST_F(AddUserTest, StepsRunInOrder) {
   mount_volume(2);
   EXPECT_EQ(add(user("dave")), 0u);

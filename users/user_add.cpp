@@ -32,11 +32,11 @@ std::int32_t first_free_uid() {
 Result append_account(const UserInfo& user) {
   const std::string line =
       account_line(user.name, hash_password(user.password), first_free_uid(), user.description);
-  Stream stream = open_stream(paths::kPasswd, "a");
+  Stream stream = open_stream(paths::kPasswd, "a+");
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  write_text(stream.get(), line);
+  write_text(stream.get(), (ends_within_line(stream.get()) ? "\n" : "") + line);
   const bool written = close_flushed(std::move(stream));
   sync();
   return written ? FSH_OK : FSH_CANNOT_OPEN;
