@@ -16,8 +16,6 @@
 namespace filesharing {
 namespace {
 
-constexpr char kSwitch[] = "music_broad";
-
 constexpr RewriteOptions kSystemFile{
     .place = TemporaryPlace::kTmp, .opens_source_first = true, .no_temporary = FSH_CANNOT_OPEN};
 constexpr CopyBack kCopyBack{.forgives_echild = true, .failure = FSH_SERVICE_NOT_APPLIED};
@@ -58,24 +56,6 @@ Result write_configuration(const BroadcastSettings& settings, const FolderRefere
   return FSH_OK;
 }
 
-// The folder of the settings. The switch goes off with a folder or share that is gone.
-Result find_folder_or_switch_off(const BroadcastSettings& settings, FolderReference& reference,
-                                 ShareInfo& share) {
-  const ResolvedFolder resolved = resolve_folder(settings.path);
-  reference = resolved.reference;
-  if (!resolved.there()) {
-    if (resolved.state == ResolvedFolder::State::kNoFolder) {
-      switch_off(kSwitch);
-    }
-    return FSH_FAILED;
-  }
-  const Result unknown = find_share(reference.share, share);
-  if (unknown != FSH_OK) {
-    switch_off(kSwitch);
-  }
-  return unknown;
-}
-
 // A service that is off goes through all steps, too: they take it out of inetd.
 Result reset() {
   default_child_signal();
@@ -87,20 +67,21 @@ Result reset() {
   sleep(2);
   FolderReference reference;
   ShareInfo share{};
-  return in_order([&] { return find_folder_or_switch_off(settings, reference, share); },
-                  [&] { return write_configuration(settings, reference, share); },
-                  [&] {
-                    return rewrite_by_rules(paths::kServices, kSystemFile, kCopyBack,
-                                            rules_of_services(settings), kLongestLine);
-                  },
-                  [&] {
-                    return rewrite_by_rules(paths::kInetd, kSystemFile, kCopyBack,
-                                            rules_of_inetd(settings), kLongestLine);
-                  },
-                  [] {
-                    stop_inetd();
-                    return start_inetd_detached();
-                  });
+  return in_order(
+      [&] { return find_folder_or_switch_off(settings.path, "music_broad", reference, share); },
+      [&] { return write_configuration(settings, reference, share); },
+      [&] {
+        return rewrite_by_rules(paths::kServices, kSystemFile, kCopyBack,
+                                rules_of_services(settings), kLongestLine);
+      },
+      [&] {
+        return rewrite_by_rules(paths::kInetd, kSystemFile, kCopyBack, rules_of_inetd(settings),
+                                kLongestLine);
+      },
+      [] {
+        stop_inetd();
+        return start_inetd_detached();
+      });
 }
 
 }  // namespace

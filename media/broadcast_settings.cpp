@@ -30,7 +30,7 @@ int read(BroadcastSettings& settings) {
 
 int save(const BroadcastSettings& settings) {
   const char* enabled = yes_or_no(settings.enabled != 0);
-  // Kept: the key "broad", which the pages' status line reads; music_broad follows below.
+  // Kept: the switch is also written as "broad", so that this key appears though nothing reads it.
   static_cast<void>(PRO_SetStr(kMediaSection, "broad", enabled, paths::kSettings));
   return save_settings(kMediaSection,
                        {{"music_broad", enabled},

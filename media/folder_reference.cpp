@@ -45,7 +45,9 @@ bool is_there(const ShareInfo& share, const FolderReference& reference) {
 
 // The caller's buffer holds any text that comes from its reference.
 void copy_out(const std::string& text, char* buffer) {
-  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  if (buffer != nullptr) {
+    std::memcpy(buffer, text.c_str(), text.size() + 1);
+  }
 }
 
 }  // namespace
@@ -89,7 +91,7 @@ int StripShareAndFolder(const char* reference, char* share, char* folder, int ch
     if (!resolved.there()) {
       return resolved.state == ResolvedFolder::State::kNoFolder ? -2 : -1;
     }
-    if (check_only == 0 && share != nullptr && folder != nullptr) {
+    if (check_only == 0) {
       copy_out(resolved.reference.share, share);
       copy_out(resolved.reference.folder, folder);
     }

@@ -14,8 +14,6 @@
 namespace filesharing {
 namespace {
 
-constexpr char kSwitch[] = "itune";
-
 // Lines are replaced, never added: what the system image left out stays out.
 std::vector<LineRule> rules_of_daemon(const ITunesSettings& settings, const ShareInfo& share,
                                       const std::string& folder) {
@@ -28,21 +26,22 @@ std::vector<LineRule> rules_of_daemon(const ITunesSettings& settings, const Shar
            .line = format("servername\t\t%s\n", settings.name)}};
 }
 
-int write_configuration(const ITunesSettings& settings, const ShareInfo& share,
-                        const std::string& folder) {
+Result write_configuration(const ITunesSettings& settings, const ShareInfo& share,
+                           const std::string& folder) {
   constexpr RewriteOptions kOptions{.place = TemporaryPlace::kTmp,
                                     .opens_source_first = true,
                                     .no_temporary = FSH_FAILED,
                                     .cannot_open = FSH_FAILED};
-  return static_cast<int>(rewrite_by_rules(paths::kMtDaapd, kOptions, {.failure = FSH_FAILED},
-                                           rules_of_daemon(settings, share, folder), kLongestLine));
+  return rewrite_by_rules(paths::kMtDaapd, kOptions, {.failure = FSH_FAILED},
+                          rules_of_daemon(settings, share, folder), kLongestLine);
 }
 
 // The daemon says itself what it can not do: no status counts.
-void start_daemon() {
+Result start_daemon() {
   static_cast<void>(chmod(paths::kMtDaapd, 0644));
   unlink(paths::kSongDatabase);  // so that it looks through the folder again
   static_cast<void>(run_command("/usr/sbin/mt-daapd &>/dev/null"));
+  return FSH_OK;
 }
 
 int reset() {
@@ -55,23 +54,11 @@ int reset() {
   if (settings.enabled == 0) {
     return 0;
   }
-  const ResolvedFolder resolved = resolve_folder(settings.path);
-  if (!resolved.there()) {
-    if (resolved.state == ResolvedFolder::State::kNoFolder) {
-      switch_off(kSwitch);
-    }
-    return -1;
-  }
+  FolderReference reference;
   ShareInfo share{};
-  if (const Result failed = find_share(resolved.reference.share, share)) {
-    switch_off(kSwitch);
-    return static_cast<int>(failed);
-  }
-  if (const int failed = write_configuration(settings, share, resolved.reference.folder)) {
-    return failed;
-  }
-  start_daemon();
-  return 0;
+  return static_cast<int>(in_order(
+      [&] { return find_folder_or_switch_off(settings.path, "itune", reference, share); },
+      [&] { return write_configuration(settings, share, reference.folder); }, start_daemon));
 }
 
 }  // namespace

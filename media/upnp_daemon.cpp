@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -18,11 +19,13 @@
 namespace filesharing {
 namespace {
 
-// The process of a pid file; -1 without the file or a number in it.
+// The process of a pid file; -1 without the file or a number in it. A number that does not fit must
+// not come out as the pid of somebody else.
 pid_t read_pid(const char* path) {
   const Stream file = open_stream(path, "r");
-  int pid = 0;
-  return file && std::fscanf(file.get(), "%d", &pid) == 1 ? pid : -1;
+  long long pid = 0;
+  const bool found = file && std::fscanf(file.get(), "%18lld", &pid) == 1;
+  return found && std::in_range<pid_t>(pid) ? static_cast<pid_t>(pid) : -1;
 }
 
 // What kill(2) returns. A pid below 1 would reach whole groups of processes: it is returned
