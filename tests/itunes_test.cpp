@@ -1,0 +1,170 @@
+/* The iTunes server: its settings, its file and its restart. */
+#include <cstring>
+#include <filesystem>
+
+#include "filesharing/media.h"
+#include "tests/device_test.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kSettings[] = "/etc/CGI_ds.conf";
+constexpr char kConfiguration[] = "/etc/mt-daapd.conf";
+constexpr char kSongs[] = "/tmp/songs.gdb";
+constexpr char kStop[] = "/bin/killall [mt-daapd]";
+constexpr char kCopy[] = "/bin/cp [-f] [/tmp/tmpfile.XXXXXX] [/etc/mt-daapd.conf]";
+constexpr char kStart[] = "/usr/sbin/mt-daapd";
+
+class ITunesTest : public DeviceTest {
+ protected:
+  static void settings(const std::string& lines) {
+    write(kSettings, "[network]\ndisk_server_name=NAS\n[media]\n" + lines);
+  }
+};
+
+TEST_F(ITunesTest, ReadsKeysWithTheirDefaultsAndLimits) {
+  struct Case {
+    std::string lines;
+    int enabled;
+    std::string name;
+    std::string path;
+  };
+  const std::string name(32, 'n'), path(256, 'p');
+  const Case cases[] = {
+      {"", 0, "NAS_iTunes", ""},
+      {"itune=yes\nitune_name=\nitune_path=/Music\n", 1, "NAS_iTunes", "/Music"},
+      {"itune=yesterday\nitune_name=My songs\n", 1, "My songs", ""},
+      {"itune=Yes\nitune_name=" + name + "x\nitune_path=" + path + "x\n", 0, name, path},
+  };
+  for (const Case& one : cases) {
+    settings(one.lines);
+    ITunesSettings record;
+    std::memset(&record, 'x', sizeof record);
+    EXPECT_EQ(ReadiTuneConf(&record), 0);
+    EXPECT_EQ(record.enabled, one.enabled) << one.lines;
+    EXPECT_EQ(record.name, one.name);
+    EXPECT_EQ(record.path, one.path);
+    EXPECT_EQ(std::string(record.reserved, sizeof record.reserved),
+              std::string(sizeof record.reserved, '\0'));
+  }
+  write(kSettings, "[network]\ndisk_server_name=" + std::string(64, 'd') + "\n");
+  ITunesSettings record;
+  EXPECT_EQ(ReadiTuneConf(&record), 0);
+  EXPECT_EQ(record.name, std::string(32, 'd')) << "a default that does not fit is cut";
+  fs::remove(kSettings);
+  EXPECT_EQ(ReadiTuneConf(&record), -1);
+  EXPECT_EQ(ReadiTuneConf(nullptr), -1);
+}
+
+TEST_F(ITunesTest, SavesItsKeysAndLeavesTheRest) {
+  write(kSettings, "[media]\nitune_name=old\nmusic_broad=no\n\n[network]\nport=80\n");
+  ITunesSettings record{};
+  record.enabled = -3;
+  std::memset(record.name, 'n', sizeof record.name); /* a page filled it to the end */
+  std::strcpy(record.path, "/Music/Pop");
+  EXPECT_EQ(SaveiTuneConf(&record), 0);
+  EXPECT_EQ(read(kSettings), "[media]\nitune_name=" + std::string(33, 'n') +
+                                 "\nmusic_broad=no\nitune=yes\nitune_path=/Music/Pop\n\n"
+                                 "[network]\nport=80\n");
+  fs::remove(kSettings);
+  fs::create_directory(kSettings);
+  EXPECT_EQ(SaveiTuneConf(&record), -1);
+  EXPECT_EQ(SaveiTuneConf(nullptr), -1);
+}
+
+TEST_F(ITunesTest, FactoryFileGetsFolderPortAndName) {
+  settings("itune=yes\nitune_path=/Music/Pop\n");
+  fs::create_directory("/harddisk/volume_1/data/Music/Pop");
+  fs::permissions(kConfiguration, fs::perms(0600));
+  write(kSongs, "songs");
+  const Snapshot before = snapshot();
+  EXPECT_EQ(ResetItune(), 0);
+  EXPECT_EQ(read(kConfiguration),
+            "# iTunes music server\nweb_root\t/usr/share/mt-daapd/admin-root\nport\t\t3689\n"
+            "admin_pw\tadmin\nservername\t\tNAS_iTunes\nrunas\t\troot\n"
+            "mp3_dir\t\t/harddisk/volume_1/data/Music///Pop\ndb_dir\t\t/tmp\n"
+            "extensions\t.mp3,.m4a,.m4p\n");
+  EXPECT_EQ(changes(before), Strings({"~/etc/mt-daapd.conf", "-/tmp/songs.gdb"}));
+  EXPECT_EQ(mode(kConfiguration), 0644u);
+  EXPECT_EQ(commands(), Strings({kStop, "sleep 2", kCopy, kStart}));
+}
+
+TEST_F(ITunesTest, LinesAreReplacedAndNeverAdded) {
+  settings("itune=yes\nitune_name=My songs\nitune_path=/Music\n");
+  const std::string folder = "mp3_dir\t\t/harddisk/volume_1/data/Music//\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {"runas root\r\n\n", "runas root\r\n\n"},
+      {"portal\nmp3_dir", "port\t\t3689\n" + folder}, /* a line that begins with the word */
+      {" port 1\n#servername x\nservername", " port 1\n#servername x\nservername\t\tMy songs\n"},
+      {"mp3_dir a\nmp3_dir b\n", folder + folder},
+      /* Long lines are looked at in pieces of 1023 characters. */
+      {std::string(1023, 'x') + "port\n" + std::string(1022, 'x') + "port\n",
+       std::string(1023, 'x') + "port\t\t3689\n" + std::string(1022, 'x') + "port\n"},
+  };
+  for (const auto& [before, after] : cases) {
+    write(kConfiguration, before);
+    EXPECT_EQ(ResetItune(), 0);
+    EXPECT_EQ(read(kConfiguration), after);
+  }
+}
+
+TEST_F(ITunesTest, WhatFailsStopsThereAndMaySwitchTheServerOff) {
+  struct Case {
+    const char* name;
+    std::string lines;
+    std::function<void()> spoil;
+    int result;
+    Strings commands;
+    bool stays;
+  };
+  const auto nothing = [] {};
+  const Strings stopped{kStop, "sleep 2"};
+  const Case cases[] = {
+      {"off", "itune=no\nitune_path=/Music\n", nothing, 0, stopped, true},
+      {"no folder", "itune=yes\nitune_path=/Music/Gone\n", nothing, -1, stopped, false},
+      {"no share", "itune=yes\nitune_path=/Gone\n", nothing, -1, stopped, true},
+      {"no slash", "itune=yes\nitune_path=Music\n", nothing, -1, stopped, true},
+      {"no key", "itune=yes\n", nothing, -1, stopped, true},
+      {"no file", "itune=yes\nitune_path=/Music\n", [] { fs::remove(kConfiguration); }, -1, stopped,
+       true},
+      {"no copy",
+       "itune=yes\nitune_path=/Music\n",
+       [] { fail_command("cp", 1); },
+       -1,
+       {kStop, "sleep 2", kCopy},
+       true},
+      {"no daemon",
+       "itune=yes\nitune_path=/Music\n",
+       [] { fail_command("mt-daapd", 1); },
+       0,
+       {kStop, "sleep 2", kCopy, kStart},
+       true},
+  };
+  for (const Case& one : cases) {
+    SetUp();
+    settings(one.lines);
+    write(kConfiguration, "port 80\n");
+    one.spoil();
+    Strings expected;
+    if (one.commands.back() == kStart) expected.push_back("~/etc/mt-daapd.conf");
+    const Snapshot before = snapshot();
+    EXPECT_EQ(ResetItune(), one.result) << one.name;
+    EXPECT_EQ(commands(), one.commands) << one.name;
+    if (!one.stays) {
+      expected.insert(expected.begin(), std::string("~") + kSettings);
+      EXPECT_EQ(read(kSettings),
+                "[network]\ndisk_server_name=NAS\n[media]\nitune=no\nitune_path=/Music/Gone\n");
+    }
+    EXPECT_EQ(changes(before), expected) << one.name;
+  }
+}
+
+TEST_F(ITunesTest, NothingIsStoppedWithoutTheSettings) {
+  fs::remove(kSettings);
+  EXPECT_EQ(ResetItune(), -1);
+  EXPECT_EQ(commands(), Strings());
+}
+
+}  // namespace
