@@ -27,15 +27,17 @@ std::string access_list_field(const ShareGroup* groups, std::string_view without
   std::string field;
   for (const ShareGroup* group = groups; group != nullptr; group = group->next) {
     // A group without a name is a group like any other here.
-    if (without.empty() || group->name != without) {
-      field += format("%c%s:%d", field.empty() ? ':' : ',', group->name, group->rights);
+    const std::string_view name = field_text(group->name);
+    if (without.empty() || name != without) {
+      field.append(1, field.empty() ? ':' : ',').append(name);
+      field += format(":%d", group->rights);
     }
   }
   return field;
 }
 
 const ShareGroup* find_group(const ShareGroup* groups, std::string_view name) {
-  while (groups != nullptr && groups->name != name) {
+  while (groups != nullptr && field_text(groups->name) != name) {
     groups = groups->next;
   }
   return groups;

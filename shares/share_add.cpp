@@ -69,6 +69,7 @@ unsigned AddShare(ShareInfo* record) {
   if (record == nullptr) {
     return FSH_ARGUMENT;
   }
+  terminate_texts(*record);
   if (ShareExist(record->name) != 0) {
     return FSH_SHARE_EXISTS;
   }

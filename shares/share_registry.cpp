@@ -87,6 +87,12 @@ void register_share(const ShareInfo& share, std::string_view access_list,
   }
 }
 
+void terminate_texts(ShareInfo& record) {
+  record.name[sizeof record.name - 1] = '\0';
+  record.comment[sizeof record.comment - 1] = '\0';
+  record.path[sizeof record.path - 1] = '\0';
+}
+
 ShareInfo written_fields(const ShareInfo& record) {
   ShareInfo share{};
   copy_field(share.name, field_text(record.name));

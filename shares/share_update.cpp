@@ -86,7 +86,7 @@ unsigned UpdateShare(const char* old_name, ShareInfo* record) {
   if (missing(old_name) || record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  terminate_texts(*record);
   if (ShareExist(old_name) == 0) {
     return FSH_SHARE_UNKNOWN;
   }

@@ -229,6 +229,16 @@ TEST_F(AddShareTest, StepsBeforeAFailureStayWithoutABackup) {
   }
 }
 
+TEST_F(AddShareTest, TextsThatFillTheirFieldsDoNotRunIntoTheNext) {
+  ShareInfo share = share_record("", "", "/x/", 1);
+  memset(share.name, 'n', sizeof share.name);
+  memset(share.comment, 'c', sizeof share.comment);
+  ASSERT_EQ(AddShare(&share), 0u);
+  const std::string name(20, 'n'), comment(48, 'c');
+  EXPECT_EQ(read(kRegistry), registry_ + name + "=0:1:" + comment + ":/x/:administrators:7\n");
+  EXPECT_EQ(read(kSmb), smb_ + section(name, comment, "/x/"));
+}
+
 class AddShareWithGroupTest : public ShareChangesTest {};
 
 TEST_F(AddShareWithGroupTest, NameOnTheVolumeIsTheOneTheVolumeKnows) {
