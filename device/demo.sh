@@ -7,7 +7,13 @@ title() { printf '\n== %s\n' "$*"; }
 # A command as one would type it, and what it prints.
 try() {
   printf '\n$ %s\n' "$*"
-  sh -c "$*" || printf '(exit status %s)\n' "$?"
+  sh -c "$*"
+}
+
+# The same, for one that is refused.
+try_in_vain() {
+  printf '\n$ %s\n' "$*"
+  if sh -c "$*" 2>&1; then exit 1; fi
 }
 
 users() {
@@ -20,16 +26,16 @@ users() {
   title "A password of more than 8 characters is stored as two hashes, in the fields 2 and 6"
   try grep ^bob: /etc/passwd
   try "echo correcthorsebattery | fileshare user check-password bob"
-  try "echo correcthorse | fileshare user check-password bob"
+  try_in_vain "echo correcthorse | fileshare user check-password bob"
 }
 
-# Tries a command and shows what it changes in each account file.
-try_and_compare() {
+# Shows what a step, "try COMMAND" or "try_in_vain COMMAND", changes in each account file.
+compare() {
   mkdir -p /tmp/before
   for file in passwd group usrgrp.info samba/smbpasswd; do
     cp "/etc/$file" "/tmp/before/${file##*/}"
   done
-  try "$*"
+  "$@"
   for file in passwd group usrgrp.info samba/smbpasswd; do
     diff -U 0 "/tmp/before/${file##*/}" "/etc/$file" |
       sed -n -e "1s|.*|  in /etc/$file:|p" -e '/^[-+][-+]/d' -e '/^@/d' -e 's/^[-+]/    &/p'
@@ -38,16 +44,16 @@ try_and_compare() {
 
 life_of_a_user() {
   title "A user's life: what each step changes in the account files"
-  try_and_compare "echo word-77 | fileshare user add dave --description 'Dave Miller' --quota 250 --group staff --group family"
+  compare try "echo word-77 | fileshare user add dave --description 'Dave Miller' --quota 250 --group staff --group family"
   try "cat /tmp/edquota.tmp"
   try "echo word-77 | fileshare user check-password dave"
-  try_and_compare "fileshare user update dave --description 'David Miller' --quota 500"
-  try_and_compare "echo long-password | fileshare user set-password dave"
-  try_and_compare "fileshare user rename dave david"
+  compare try "fileshare user update dave --description 'David Miller' --quota 500"
+  compare try "echo long-password | fileshare user set-password dave"
+  compare try "fileshare user rename dave david"
   try "fileshare user show david"
   title "A name that is taken is refused in any letter case; then the user goes again"
-  try_and_compare "fileshare user rename david Alice"
-  try_and_compare "fileshare user delete david"
+  compare try_in_vain "fileshare user rename david Alice"
+  compare try "fileshare user delete david"
 }
 
 shares() {
