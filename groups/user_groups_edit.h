@@ -9,8 +9,7 @@
 namespace filesharing {
 
 struct UserGroupsEdit {
-  Names groups;  // whose lines change
-  // What becomes of one user's place in the list: both may be given, one is empty as a rule.
+  Names groups;   // whose lines change
   Names added;    // behind the others, with the quota that GetUserInfo knows
   Names removed;  // every item of theirs
   CopyBack copy_back;
