@@ -18,8 +18,9 @@ std::string export_line(const ShareInfo& share) {
     return {};
   }
   const char* access = everyone->rights == FSH_READ_ONLY ? "ro" : "rw";
+  const std::string path(field_text(share.path));
   return format("/harddisk/volume_%d/data%s *(%s,async,all_squash,anonuid=501,anongid=501)\n",
-                share.volume, share.path, access);
+                share.volume, path.c_str(), access);
 }
 
 Result write_exports(const ShareInfo* shares) {

@@ -89,7 +89,7 @@ bool means_every_host(std::string_view host) {
 
 int check_entry(NfsShare& entry) {
   const std::string given(field_text(entry.host));
-  std::array<char, sizeof entry.host> host{};
+  std::array<char, sizeof entry.host + 1> host{};  // a caller may have filled the field's last byte
   omitIpSpace(host.data(), given.c_str(), static_cast<int>(given.size()));
   copy_field(entry.host, means_every_host(host.data()) ? "" : host.data());
   in_addr address{};

@@ -90,6 +90,20 @@ TEST_F(NfsTest, SharesOfEveryoneAreExportedInTheOrderOfTheRegistry) {
             "/harddisk/volume_2/data/x/ *(ro,async,all_squash,anonuid=501,anongid=501)\n");
 }
 
+TEST_F(NfsTest, FieldsOfTheRecordMayBeFilledToTheirLastByte) {
+  ShareGroup full{};
+  std::memset(full.name, 'g', sizeof full.name);
+  ShareGroup everyone{.name = "everyone", .rights = 7, .next = nullptr};
+  full.next = &everyone;
+  ShareInfo share{};
+  std::memset(share.path, 'p', sizeof share.path);
+  share.volume = 1;
+  share.groups = &full;
+  EXPECT_EQ(UpdateNFSConf(&share), 0u);
+  EXPECT_EQ(read(kExports), "/harddisk/volume_1/data" + std::string(sizeof share.path, 'p') +
+                                " *(rw,async,all_squash,anonuid=501,anongid=501)\n");
+}
+
 TEST_F(NfsTest, FailuresLeaveTheOldExports) {
   const std::string old = "/srv *(ro)\n";
   write(kExports, old);
@@ -188,8 +202,9 @@ TEST_F(NfsTest, EntriesAreTidiedAndChecked) {
   }
   EXPECT_EQ(CheckNFSShare(nullptr), -1);
   NfsShare full{};
-  std::memset(full.host, ' ', sizeof full.host);
-  EXPECT_EQ(CheckNFSShare(&full), 0);
+  std::memset(full.host, '1', sizeof full.host);  // a page filled it to the end
+  EXPECT_EQ(CheckNFSShare(&full), -2);
+  EXPECT_EQ(full.host, std::string(16, '1'));
 }
 
 TEST_F(NfsTest, ChangesOfEntriesAreTakenAndForgotten) {
