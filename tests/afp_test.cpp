@@ -115,6 +115,18 @@ TEST_F(AfpTest, ServerLineHasOneBlankBehindEachToken) {
   }
 }
 
+TEST_F(AfpTest, OnlyTheSecondCopyCountsAndTheTemporaryFileWaitsForItToSettle) {
+  const Snapshot before = snapshot();
+  fail_command("cp", 1);
+  Strings while_settling;
+  at_sleep(1, [&] { while_settling = changes(before); });
+  EXPECT_EQ(SetAFPDConf(settings("NAS", "", "", 0)), 0u);
+  EXPECT_EQ(while_settling, Strings({std::string("~") + kAfpd, "+/tmp/tmpfile.XXXXXX"}));
+  fail_command("cp", 2);
+  EXPECT_EQ(SetAFPDConf(settings("NAS", "", "", 1)), 19u);
+  EXPECT_EQ(changes(before), Strings({std::string("~") + kAfpd}));
+}
+
 TEST_F(AfpTest, ServerLineThatCanNotBeWrittenLeavesTheOldOne) {
   const Snapshot before = snapshot();
   write(kAfpd, "old");
