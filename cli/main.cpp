@@ -29,6 +29,9 @@ void add_all_verbs(CLI::App& app) {
   add_samba_verbs(app);
   add_ftp_verbs(app);
   add_https_verbs(app);
+  add_afp_verbs(app);
+  add_nfs_verbs(app);
+  add_album_verbs(app);
 }
 
 // The innermost command that was given.

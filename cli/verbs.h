@@ -69,6 +69,9 @@ void add_samba_verbs(CLI::App& app);
 void add_ftp_verbs(CLI::App& app);
 void add_https_verbs(CLI::App& app);
 void add_share_verbs(CLI::App& app);
+void add_afp_verbs(CLI::App& app);
+void add_nfs_verbs(CLI::App& app);
+void add_album_verbs(CLI::App& app);
 
 }  // namespace fileshare
 
