@@ -49,8 +49,10 @@ void FileRewrite::write_rest_of_source() {
 }
 
 Result FileRewrite::commit(const CopyBack& copy_back) {
+  // A source that could be read only in part would be shortened by the copy.
+  const bool read = !source_ || std::ferror(source_.get()) == 0;
   source_.reset();
-  bool copied = close_written(std::move(target_));
+  bool copied = close_written(std::move(target_)) && read;
   if (copied) {
     if (copy_back.sync_before) {
       sync();

@@ -1,8 +1,6 @@
 // Adding, deleting and renaming groups in all the files that know them.
 #include <array>
 #include <cstring>
-#include <optional>
-#include <string>
 
 #include "conf/heap_list.h"
 #include "conf/paths.h"
@@ -10,6 +8,7 @@
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
+#include "conf/whole_value.h"
 #include "filesharing/conf.h"
 #include "filesharing/groups.h"
 #include "filesharing/shares.h"
@@ -94,20 +93,6 @@ Result delete_all_groups() {
       });
 }
 
-// The value of a key as it stands in the file; nothing when the key can not be read.
-std::optional<std::string> value_of(const char* key, std::FILE* stream) {
-  const int length = PRO_GetStrLen(nullptr, key, stream);
-  if (length < 0) {
-    return std::nullopt;
-  }
-  std::string value(static_cast<std::size_t>(length) + 1, '\0');
-  if (FSH_GetStr(nullptr, key, value.data(), length, stream) != FSH_OK) {
-    return std::nullopt;
-  }
-  value.resize(std::strlen(value.c_str()));
-  return value;
-}
-
 Result move_members(const char* old_name, const char* new_name, Transaction& transaction) {
   Stream stream = open_stream(paths::kUserGroups, "r");
   if (!stream) {
@@ -115,7 +100,7 @@ Result move_members(const char* old_name, const char* new_name, Transaction& tra
     transaction.on_failure = OnFailure::kNothing;
     return FSH_CANNOT_OPEN;
   }
-  const auto members = value_of(old_name, stream.get());
+  const auto members = read_whole_value(old_name, stream.get());
   stream.reset();
   if (!members) {
     return FSH_GROUP_NOT_RENAMED;

@@ -5,30 +5,12 @@
 #include <unistd.h>
 
 #include "conf/text.h"
-#include "filesharing/conf.h"
+#include "conf/whole_value.h"
 #include "platform/profile/profile.h"
 #include "shares/registry_value.h"
 #include "shares/share_names.h"
 
 namespace filesharing {
-namespace {
-
-// Nothing when the file does not have the name.
-std::optional<std::string> read_value(const char* name, std::FILE* stream) {
-  const int length = PRO_GetStrLen(nullptr, name, stream);
-  if (length < 0) {
-    return std::nullopt;
-  }
-  std::string value(static_cast<std::size_t>(length) + 1, '\0');
-  if (FSH_GetStr(nullptr, name, value.data(), length, stream) != FSH_OK) {
-    return std::nullopt;
-  }
-  value.resize(std::strlen(value.c_str()));
-  return value;
-}
-
-}  // namespace
-
 const char* registry_file(std::string_view share) {
   return is_removable_share(share) ? paths::kRemovableShares : paths::kShares;
 }
@@ -67,7 +49,7 @@ Result read_registered_value(const char* name, std::optional<std::string>& value
       continue;
     }
     result = FSH_OK;
-    value = read_value(name, stream.get());
+    value = read_whole_value(name, stream.get());
     if (value && !value->empty()) {
       break;
     }

@@ -203,6 +203,16 @@ TEST_F(KeyValuesTest, NoFolderForTemporaryFiles) {
   EXPECT_EQ(changes(before), Strings());
 }
 
+// What can not be read is not written either: a folder opens like a file.
+TEST_F(KeyValuesTest, SourceThatCanNotBeReadIsNotReplaced) {
+  ASSERT_EQ(mkdir("/etc/folder", 0755), 0);
+  const Snapshot before = snapshot();
+  EXPECT_EQ(DelKeyFromConf("a", "/etc/folder"), FSH_COPY_BACK_FAILED);
+  EXPECT_EQ(RenameKey("a", "b", "/etc/folder"), FSH_FAILED);
+  EXPECT_EQ(changes(before), Strings());
+  EXPECT_EQ(commands(), Strings());
+}
+
 // A disk too full for the rewritten copy must not cost the file.
 TEST_F(KeyValuesTest, FullDiskLosesNothing) {
   write("/etc/big.conf", "a=1\n" + std::string(200000, 'x') + "\n");

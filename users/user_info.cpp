@@ -1,35 +1,18 @@
 // Looking up one user: the record, and the check of a password.
 #include <pwd.h>
 
-#include <cstring>
-
 #include "conf/member_list.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
-#include "filesharing/conf.h"
+#include "conf/whole_value.h"
 #include "filesharing/users.h"
-#include "platform/profile/profile.h"
 #include "users/account_line.h"
 #include "users/password_hash.h"
 
 namespace filesharing {
 namespace {
-
-// The value of the "everyone" line: every user with its quota. Empty without one.
-std::string everyone_value(std::FILE* stream) {
-  const int length = PRO_GetStrLen(nullptr, "everyone", stream);
-  if (length < 1) {
-    return {};
-  }
-  std::string value(static_cast<std::size_t>(length) + 1, '\0');
-  if (FSH_GetStr(nullptr, "everyone", value.data(), length, stream) != FSH_OK) {
-    return {};
-  }
-  value.resize(std::strlen(value.c_str()));
-  return value;
-}
 
 Result fill_from_account(UserInfo& record) {
   const passwd* account = getpwnam(record.name);
@@ -46,7 +29,7 @@ Result fill_user_info(UserInfo& record) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  const std::string value = everyone_value(stream.get());
+  const std::string value = read_whole_value("everyone", stream.get()).value_or("");
   stream.reset();
   if (without_leading_blanks(value).empty()) {
     return FSH_USER_UNKNOWN;
