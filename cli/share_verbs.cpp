@@ -6,6 +6,7 @@
 #include "cli/names.h"
 #include "cli/output.h"
 #include "cli/record_text.h"
+#include "cli/removable_verbs.h"
 #include "cli/share_checks.h"
 #include "cli/verbs.h"
 #include "filesharing/groups.h"
@@ -311,6 +312,7 @@ void add_share_verbs(CLI::App& app) {
   add_changing_verbs(group);
   add_deleting_verbs(group);
   add_access_verbs(group);
+  add_removable_verbs(group);
 }
 
 }  // namespace fileshare
