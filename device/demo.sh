@@ -68,11 +68,36 @@ shares() {
   try grep ^Films= /etc/share.info /harddisk/volume_1/conf/share.info
   try "sed -n '/^\\[Films\\]/,\$p' /etc/samba/smb.conf"
   try "grep '\\[Films\\]' /etc/netatalk/AppleVolumes.conf"
+}
+
+has_samba() { [ ! -L /usr/sbin/smbd ] && [ -x /usr/bin/smbclient ] && [ -x /usr/bin/testparm ]; }
+
+samba_serves() {
+  title "Samba itself serves the share"
+  if ! has_samba; then
+    echo "left out: Samba is not installed on this machine (packages samba, smbclient)"
+    return
+  fi
+  try "testparm -s --section-name=Films 2>/dev/null"
+  try smbd -D
+  timeout 20 sh -c 'until smbclient -N -L //127.0.0.1 >/dev/null 2>&1; do sleep 1; done'
+  title "A user of the group writes a file"
+  try "echo 'one two three' > /tmp/reel1"
+  try "smbclient -U erin%word-77 //127.0.0.1/Films -c 'put /tmp/reel1 reel1; ls'"
+  try ls -l /harddisk/volume_1/data/Films
+  title "A stranger stays out"
+  try "smbclient -U bob%correcthorsebattery //127.0.0.1/Films -c ls"
+}
+
+access_taken_away() {
   title "Taking access away rewrites the AFP line in another form"
   try fileshare share revoke cinema Films
   try "grep '\\[Films\\]' /etc/netatalk/AppleVolumes.conf"
+  if has_samba; then try "smbclient -U erin%word-77 //127.0.0.1/Films -c ls"; fi
 }
 
 users
 life_of_a_user
 shares
+samba_serves
+access_taken_away
