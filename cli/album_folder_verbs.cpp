@@ -137,7 +137,8 @@ std::vector<AlbumFolder> folders_of(const std::string& user) {
   while (read_line(file.get(), line) && line.rfind('[', 0) != 0) {
     const std::size_t colon = line.find(':');
     if (line.rfind(kEntryKey, 0) != 0 || colon == std::string::npos) continue;
-    folders.push_back({line.substr(colon + 1), std::atoi(line.c_str() + kEntryKey.size())});
+    const std::string path = line.substr(colon + 1);
+    folders.push_back({path, RightOfFolderOnAlbumUser(user.c_str(), path.c_str())});
   }
   return folders;
 }
