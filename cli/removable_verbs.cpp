@@ -30,7 +30,7 @@ struct RemoveArguments {
 
 std::string prefix_fault(const std::string& prefix) {
   if (prefix.rfind("FLASH", 0) != 0 && prefix.rfind("HDD", 0) != 0) {
-    return "the prefix of a disk begins with \"FLASH\" or \"HDD\"";
+    return R"(the prefix of a disk begins with "FLASH" or "HDD")";
   }
   return fault_of(prefix, kPrefix);
 }
