@@ -1,17 +1,23 @@
 // The fields of account lines and the names of member lists, read character by character. Each
 // reader asks whether its buffer is full before it reads, so that no character is lost between two
 // calls.
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "filesharing/conf.h"
 
 namespace {
 
-// A caller's buffer of size bytes, always terminated.
+// A missing stream is at its end.
+int next_character(FILE* stream) {
+  return stream == nullptr ? EOF : std::getc(stream);
+}
+
+// A caller's buffer of size bytes, always terminated. Without a buffer or a size it is full.
 class FieldBuffer {
  public:
-  FieldBuffer(char* buffer, int size) : buffer_(buffer), size_(buffer == nullptr ? 0 : size) {
+  FieldBuffer(char* buffer, int size)
+      : buffer_(buffer), size_(buffer == nullptr ? 0 : std::max(size, 0)) {
     terminate();
   }
   bool full() const { return length_ >= size_ - 1; }
@@ -41,7 +47,7 @@ int GotoUserName(char* buf, int size, FILE* stream) {
   FieldBuffer field(buf, size);
   int colons = 0;
   while (!field.full()) {
-    const int character = std::getc(stream);
+    const int character = next_character(stream);
     if (character == EOF) {
       return 3;
     }
@@ -58,12 +64,12 @@ int GotoUserName(char* buf, int size, FILE* stream) {
 
 int GetUserName(char* buf, int size, int* last, FILE* stream) {
   FieldBuffer name(buf, size);
-  *last = 1;
+  bool comma = false;
   bool at_end = false;
   while (!name.full()) {
-    const int character = std::getc(stream);
-    if (character == ',') {
-      *last = 0;
+    const int character = next_character(stream);
+    comma = character == ',';
+    if (comma) {
       break;
     }
     at_end = character == EOF;
@@ -74,6 +80,9 @@ int GetUserName(char* buf, int size, int* last, FILE* stream) {
       name.store(character);
     }
   }
+  if (last != nullptr) {
+    *last = comma ? 0 : 1;
+  }
   if (name.length() > 0) {
     return 0;
   }
@@ -83,12 +92,12 @@ int GetUserName(char* buf, int size, int* last, FILE* stream) {
 int readvkey(char* buf, int size, FILE* stream) {
   FieldBuffer token(buf, size);
   while (!token.full()) {
-    const int character = std::getc(stream);
+    const int character = next_character(stream);
     if (character == EOF) {
       break;
     }
     token.store(character);
-    if (std::strchr(":\n\r", character) != nullptr) {
+    if (character == ':' || character == '\n' || character == '\r') {
       break;
     }
   }
@@ -97,12 +106,12 @@ int readvkey(char* buf, int size, FILE* stream) {
 
 int ReadGroup(char* buf, int size, FILE* stream, int* status) {
   FieldBuffer head(buf, size);
-  *status = 1;
+  int stop = 1;
   int colons = 0;
   while (!head.full()) {
-    const int character = std::getc(stream);
+    const int character = next_character(stream);
     if (character == EOF) {
-      *status = 2;
+      stop = 2;
       break;
     }
     if (character == '\n' || character == '\r') {
@@ -110,9 +119,12 @@ int ReadGroup(char* buf, int size, FILE* stream, int* status) {
     }
     head.store(character);
     if (character == ':' && ++colons == kColonsBeforeMembers) {
-      *status = 0;
+      stop = 0;
       break;
     }
+  }
+  if (status != nullptr) {
+    *status = stop;
   }
   return head.length();
 }

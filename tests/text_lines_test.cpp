@@ -6,6 +6,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <memory>
 
 #include "filesharing/conf.h"
 #include "tests/device_test.h"
@@ -128,6 +130,39 @@ TEST_F(TextLinesTest, FullBuffersLoseNothing) {
   EXPECT_EQ(readvkey(buf, sizeof buf, file), 0);
   EXPECT_STREQ(buf, "");
   EXPECT_EQ(readvkey(buf, 0, file), 0);
+}
+
+TEST_F(TextLinesTest, ZeroBytesAreData) {
+  const std::string text("a\0b:\0,c\0d:", 11);
+  std::FILE* file = stream(text);
+  char buf[16];
+  int last = 0;
+  EXPECT_EQ(readvkey(buf, sizeof buf, file), 4);
+  EXPECT_EQ(std::string(buf, 5), std::string("a\0b:\0", 5));
+  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), 0);
+  EXPECT_EQ(readvkey(buf, sizeof buf, file), 4);
+}
+
+TEST_F(TextLinesTest, FieldReadersDoWithoutWhatIsMissing) {
+  const int least = std::numeric_limits<int>::min();  // a size that a subtraction would overflow
+  char buf[16] = "before";
+  int last = 0;
+  int status = 0;
+  EXPECT_EQ(GotoUserName(buf, sizeof buf, nullptr), 3);
+  EXPECT_STREQ(buf, "");
+  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, nullptr), 2);
+  EXPECT_EQ(last, 1);
+  EXPECT_EQ(readvkey(buf, sizeof buf, nullptr), 0);
+  EXPECT_EQ(ReadGroup(buf, sizeof buf, nullptr, &status), 0);
+  EXPECT_EQ(status, 2);
+  std::FILE* file = stream("a,b:c:d:e");
+  EXPECT_EQ(GetUserName(nullptr, 16, nullptr, file), 1);
+  EXPECT_EQ(ReadGroup(buf, least, file, nullptr), 0);
+  EXPECT_EQ(GotoUserName(buf, least, file), 2);
+  EXPECT_EQ(readvkey(nullptr, 16, file), 0);
+  EXPECT_EQ(GetUserName(buf, sizeof buf, nullptr, file), 0);
+  EXPECT_STREQ(buf, "a");
+  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, nullptr), 6);
 }
 
 TEST_F(TextLinesTest, ReadGroupTellsHowTheLineStopped) {
