@@ -3,7 +3,6 @@
 #define FILESHARING_CONF_HEAP_LIST_H
 
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -23,7 +22,7 @@ Record* allocate(std::size_t count = 1) {
 // A terminated copy; throws std::bad_alloc.
 inline char* duplicate(std::string_view text) {
   char* copy = allocate<char>(text.size() + 1);
-  std::memcpy(copy, text.data(), text.size());
+  text.copy(copy, text.size());
   return copy;
 }
 

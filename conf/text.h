@@ -25,7 +25,7 @@ template <std::size_t N>
 void copy_field(char (&field)[N], std::string_view text) {
   const std::size_t length = std::min(text.size(), N - 1);
   std::memset(field, 0, N);
-  std::memcpy(field, text.data(), length);
+  text.copy(field, length);
 }
 
 // The text of a field that a caller filled, perhaps to its last byte.
