@@ -15,17 +15,19 @@ FileRewrite::FileRewrite(std::string path, const RewriteOptions& options)
     : path_(std::move(path)), options_(options) {}
 
 Result FileRewrite::open() {
-  if (options_.opens_source_first) {
-    return in_order([&] { return open_source(); }, [&] { return open_target(); });
-  }
-  if (!temporary_.make(options_.place)) {
-    return options_.no_temporary;
-  }
-  const Result opened = in_order([&] { return open_source(); }, [&] { return open_target(); });
+  const auto temporary = [&] { return make_temporary(); };
+  const auto source = [&] { return open_source(); };
+  const auto target = [&] { return open_target(); };
+  const Result opened = options_.opens_source_first ? in_order(source, temporary, target)
+                                                    : in_order(temporary, source, target);
   if (opened != FSH_OK && options_.leaves_unopened) {
     temporary_.leave();
   }
   return opened;
+}
+
+Result FileRewrite::make_temporary() {
+  return temporary_.make(options_.place) ? FSH_OK : options_.no_temporary;
 }
 
 Result FileRewrite::open_source() {
@@ -37,9 +39,6 @@ Result FileRewrite::open_source() {
 }
 
 Result FileRewrite::open_target() {
-  if (temporary_.path().empty() && !temporary_.make(options_.place)) {
-    return options_.no_temporary;
-  }
   target_ = open_stream(temporary_.path(), "w");
   return target_ ? FSH_OK : options_.cannot_open;
 }

@@ -65,6 +65,7 @@ class FileRewrite {
   Result commit(const CopyBack& copy_back);
 
  private:
+  Result make_temporary();
   Result open_source();
   Result open_target();
   bool copy(const CopyBack& copy_back) const;
