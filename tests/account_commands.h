@@ -14,22 +14,37 @@ inline Strings joined(const std::vector<Strings>& lists) {
   return all;
 }
 
-inline Strings copied_twice(const Strings& names, const char* from, const char* to) {
-  Strings list;
-  for (const std::string& name : names) {
-    const std::string path = "/harddisk/volume_1/conf/" + name;
-    const std::string command = "/bin/cp [-f] [" + path + from + "] [" + path + to + "]";
-    list.insert(list.end(), {command, command});
-  }
-  return list;
+inline Strings copied(const std::string& from, const std::string& to, int times) {
+  return Strings(static_cast<size_t>(times), "/bin/cp [-f] [" + from + "] [" + to + "]");
+}
+
+/* A rewritten file that is put in its place. */
+inline Strings replaced(const std::string& path, int times) {
+  return copied("/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX", path, times);
+}
+
+inline std::string copy_back_to(const std::string& path) {
+  return replaced(path, 1).front();
+}
+
+inline Strings backed_up(const std::string& name) {
+  return copied("/harddisk/volume_1/conf/" + name, "/harddisk/volume_1/conf/" + name + ".ttt", 2);
+}
+
+inline Strings restored(const std::string& name) {
+  return copied("/harddisk/volume_1/conf/" + name + ".ttt", "/harddisk/volume_1/conf/" + name, 2);
 }
 
 inline Strings backup_of(const Strings& names) {
-  return copied_twice(names, "", ".ttt");
+  Strings all;
+  for (const std::string& name : names) all = joined({all, backed_up(name)});
+  return all;
 }
 
 inline Strings restore_of(const Strings& names) {
-  return copied_twice(names, ".ttt", "");
+  Strings all;
+  for (const std::string& name : names) all = joined({all, restored(name)});
+  return all;
 }
 
 /* The new files that the backup leaves, as DeviceTest::changes lists them. */
@@ -37,10 +52,6 @@ inline Strings backups_left(const Strings& names) {
   Strings list;
   for (const std::string& name : names) list.push_back("+/harddisk/volume_1/conf/" + name + ".ttt");
   return list;
-}
-
-inline std::string copy_back_to(const std::string& path) {
-  return "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] [" + path + "]";
 }
 
 #endif

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <functional>
 
-#include "tests/account_copies.h"
+#include "tests/account_commands.h"
 
 namespace {
 

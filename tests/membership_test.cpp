@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "filesharing/groups.h"
-#include "tests/account_copies.h"
+#include "tests/account_commands.h"
 
 namespace {
 
