@@ -33,12 +33,12 @@ bool take_lock_file(const char* path) {
   if (descriptor < 0) {
     return false;
   }
-  close(descriptor);
+  static_cast<void>(close(descriptor));  // the file's existence is the lock
   return true;
 }
 
 void release_lock_file(const char* path) {
-  unlink(path);
+  static_cast<void>(unlink(path));  // there may be none
 }
 
 }  // namespace filesharing
@@ -47,8 +47,8 @@ unsigned Lock(int mask) {
   using namespace filesharing;
   for (const LockFile& lock : kLockFiles) {
     if (selects(mask, lock.bit) && !take_lock_file(lock.path)) {
-      return lock
-          .bit;  // Kept: the locks taken so far stay taken, until the next start of the system
+      // Kept: the locks taken so far stay taken, until the next start of the system.
+      return lock.bit;
     }
   }
   return 0;

@@ -37,14 +37,14 @@ bool TemporaryFile::make(TemporaryPlace place) {
   if (descriptor < 0) {
     return false;
   }
-  close(descriptor);
+  static_cast<void>(close(descriptor));  // nothing was written
   path_ = path;
   return true;
 }
 
 void TemporaryFile::remove() {
   if (!path_.empty()) {
-    unlink(path_.c_str());
+    static_cast<void>(unlink(path_.c_str()));  // one that stays does no harm
     path_.clear();
   }
 }

@@ -9,7 +9,8 @@ Result Transaction::begin() {
     return options_.busy;
   }
   if (options_.backs_up) {
-    BackupConFiles(options_.mask);
+    // A server without a configuration volume has nothing to back up, and is changed all the same.
+    static_cast<void>(BackupConFiles(options_.mask));
   }
   return FSH_OK;
 }
@@ -22,7 +23,7 @@ Result Transaction::end(Result result) {
     UpdateDiskUserGroupInfo();
   }
   if (result != FSH_OK && on_failure == OnFailure::kRestore) {
-    RestoreConFiles(options_.mask);
+    static_cast<void>(RestoreConFiles(options_.mask));  // the change's own code is the one to tell
   }
   if (options_.locks) {
     Unlock(options_.mask);

@@ -2,6 +2,7 @@
 #ifndef FILESHARING_USERS_SMB_ACCOUNT_H
 #define FILESHARING_USERS_SMB_ACCOUNT_H
 
+#include <cstdint>
 #include <string>
 
 #include "conf/result.h"

@@ -4,8 +4,8 @@
  *
  *  1. Strings are terminated with a zero byte. A field `char x[N]` holds N - 1 characters at most;
  *     the library cuts what it stores to the field and always terminates it.
- *  2. A missing argument is a null pointer. Unless a function says that it may be null, it answers
- * a null pointer with a result code.
+ *  2. A missing argument is a null pointer. Unless a function says that it may be null, it
+ *     answers a null pointer with a result code.
  *  3. Functions return 0 for success or a code of results.h. Where the type is unsigned, -1 is
  *     4294967295.
  *  4. Lists and strings that the library returns are made with malloc(3). The caller owns them and
