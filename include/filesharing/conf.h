@@ -30,8 +30,8 @@ FSH_API unsigned GetLineFromFile(char** line, FILE* stream);
  * count), else 0, also when the file can not be read. A line without ":" never matches. */
 FSH_API int ItemExist(const char* name, const char* path);
 
-/* The readers of fields, from here to ReadGroup: a missing stream is at its end, a missing buffer is
- * full, and last and status may be missing. */
+/* In the readers of fields, from here to ReadGroup, a missing stream is at its end, a missing
+ * buffer is full, and last and status may be missing. */
 
 /* Copies the first three fields of a line of group(5), colons included, into buf of size bytes and
  * leaves the stream at the member list.
