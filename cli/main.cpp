@@ -32,6 +32,10 @@ void add_all_verbs(CLI::App& app) {
   add_afp_verbs(app);
   add_nfs_verbs(app);
   add_album_verbs(app);
+  add_itunes_verbs(app);
+  add_broadcast_verbs(app);
+  add_upnp_verbs(app);
+  add_media_verbs(app);
 }
 
 // The innermost command that was given.
