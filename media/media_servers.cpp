@@ -26,7 +26,7 @@ Result find_folder_or_switch_off(const char* path, const char* switch_key,
 }
 
 std::string server_name(const SettingsFile& settings, const char* key, const char* suffix) {
-  const std::string name = settings.section(kMediaSection).text(key, kServerNameLimit).value_or("");
+  std::string name = settings.section(kMediaSection).text(key, kServerNameLimit).value_or("");
   if (!name.empty()) {
     return name;
   }

@@ -2,7 +2,7 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "conf/paths.h"
@@ -23,9 +23,10 @@ namespace {
 // not come out as the pid of somebody else.
 pid_t read_pid(const char* path) {
   const Stream file = open_stream(path, "r");
-  long long pid = 0;
-  const bool found = file && std::fscanf(file.get(), "%18lld", &pid) == 1;
-  return found && std::in_range<pid_t>(pid) ? static_cast<pid_t>(pid) : -1;
+  const std::string text = file ? read_rest(file.get()) : "";
+  char* end = nullptr;
+  const long long pid = std::strtoll(text.c_str(), &end, 10);
+  return end != text.c_str() && std::in_range<pid_t>(pid) ? static_cast<pid_t>(pid) : -1;
 }
 
 // What kill(2) returns. A pid below 1 would reach whole groups of processes: it is returned
