@@ -1,11 +1,10 @@
 // The thumbnails and descriptions of pictures that are gone.
-#include <dirent.h>
 #include <unistd.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
+#include "conf/folder.h"
 #include "conf/result.h"
 #include "filesharing/album.h"
 
@@ -29,13 +28,9 @@ bool is_there(const std::string& path) {
   return access(path.c_str(), F_OK) == 0;
 }
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
-
 int remove_orphans(const std::string& folder) {
   const std::string thumbnails = folder + "/.Thumb_DB";
-  const std::unique_ptr<DIR, CloseFolder> entries(opendir(thumbnails.c_str()));
+  const Folder entries = open_folder(thumbnails);
   if (!entries) {
     return 0;
   }

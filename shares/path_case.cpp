@@ -1,12 +1,10 @@
 // The spelling of paths: callers give folders in any letter case, the volumes tell cases apart.
-#include <dirent.h>
-
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "conf/folder.h"
 #include "conf/heap_list.h"
 #include "conf/result.h"
 #include "conf/text.h"
@@ -16,16 +14,11 @@
 namespace filesharing {
 namespace {
 
-struct CloseDirectory {
-  // Nothing was written: there is nothing to lose.
-  void operator()(DIR* directory) const { static_cast<void>(closedir(directory)); }
-};
-
 constexpr int kNoneChanged = -1;
 
 // The name of the first entry, in the order of the directory, that differs in letter case at most.
 std::optional<std::string> stored_name(const std::string& directory, const std::string& name) {
-  const std::unique_ptr<DIR, CloseDirectory> entries(opendir(directory.c_str()));
+  const Folder entries = open_folder(directory);
   if (!entries) {
     return std::nullopt;
   }

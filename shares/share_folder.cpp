@@ -1,11 +1,9 @@
 #include "shares/share_folder.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <memory>
-
+#include "conf/folder.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -16,14 +14,6 @@ namespace {
 constexpr uid_t kOwner = 502;
 constexpr gid_t kGroup = 501;
 constexpr mode_t kOpenToAll = 0777;
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { static_cast<void>(closedir(folder)); }  // only read
-};
-
-bool can_be_listed(const std::string& folder) {
-  return std::unique_ptr<DIR, CloseFolder>(opendir(folder.c_str())) != nullptr;
-}
 
 // Kept: opens each folder above the last "/" to all, up to "/harddisk" itself; of a path that does
 // not end in "/" not the share's own folder.
@@ -39,7 +29,7 @@ void open_folders_to_all(std::string path) {
 
 Result make_open_folder(const ShareInfo& share, MakeFolder make_folder) {
   const std::string data = paths::volume_data(share.volume);
-  if (!can_be_listed(data)) {
+  if (!open_folder(data)) {
     return FSH_SHARE_NOT_ADDED;
   }
   const std::string escaped = shell_escaped(share.path);
