@@ -19,9 +19,9 @@ Record* allocate(std::size_t count = 1) {
   return static_cast<Record*>(block);
 }
 
-// A terminated copy; throws std::bad_alloc.
-inline char* duplicate(std::string_view text) {
-  char* copy = allocate<char>(text.size() + 1);
+// A terminated copy in a block with so many spare bytes behind it; throws std::bad_alloc.
+inline char* duplicate(std::string_view text, std::size_t spare = 0) {
+  char* copy = allocate<char>(text.size() + 1 + spare);
   text.copy(copy, text.size());
   return copy;
 }

@@ -164,8 +164,10 @@ class GroupFileEditor {
     return FSH_OK;
   }
 
+  // A line whose name is empty is no group's, though a caller may list such a name.
   bool is_listed() const {
-    return holds(edit_.groups, std::string_view(head_).substr(0, head_.size() - 1));
+    return head_.size() > 1 &&
+           holds(edit_.groups, std::string_view(head_).substr(0, head_.size() - 1));
   }
 
   Result edit_members() {

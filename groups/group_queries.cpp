@@ -95,7 +95,7 @@ Result read_groups(GroupItem** head) {
   return FSH_OK;
 }
 
-GroupShareInfo* shares_of(const char* group) {
+GroupShareInfo* shares_of(std::string_view group) {
   auto* record = allocate<GroupShareInfo>();
   copy_field(record->name, group);
   if (GetGroupShareInfo(record) != FSH_OK) {
@@ -165,7 +165,8 @@ GroupShareInfo* GetGrpShares(const GroupItem* record) {
   if (record == nullptr || missing(record->name)) {
     return nullptr;
   }
-  return guarded(static_cast<GroupShareInfo*>(nullptr), [&] { return shares_of(record->name); });
+  return guarded(static_cast<GroupShareInfo*>(nullptr),
+                 [&] { return shares_of(field_text(record->name)); });
 }
 
 void FreeGrpNameList(GroupNameItem* head) {

@@ -16,6 +16,10 @@ namespace {
 
 constexpr int kMostNames = 255;
 
+// Kept: the block of a member's name has 20 bytes beyond its characters, for callers who lengthen
+// the name in place.
+constexpr std::size_t kMemberSpare = 20 - 1;
+
 // Names on their way into a record; freed unless they get there.
 class NameCollector {
  public:
@@ -38,8 +42,8 @@ class NameCollector {
   void end() { ended_ = true; }
   bool ended() const { return ended_; }
 
-  void add(std::string_view name) {
-    names_.list[names_.count] = duplicate(name);
+  void add(std::string_view name, std::size_t spare = 0) {
+    names_.list[names_.count] = duplicate(name, spare);
     ++names_.count;
   }
 
@@ -60,7 +64,7 @@ Result collect_members(std::string_view value, GroupUserInfo& group) {
     if (!names.has_room()) {
       return FSH_OK;  // Kept: without memory for the array the record stays as it was
     }
-    names.add(members.member().name);
+    names.add(members.member().name, kMemberSpare);
   }
   if (members.malformed()) {
     return FSH_MALFORMED;

@@ -141,8 +141,8 @@ FSH_API unsigned DelUserFromGroups(const char* user, const char* const* groups, 
 /* ---- Membership: queries; they take no lock ------------------------------------------------- */
 
 /* The users of the group record->name, from the first line of /etc/usrgrp.info for it: at most 255,
- * and whatever follows them is not looked at. No such line, or no members: count 0 and list null.
- * FreeGroupUserInfo frees the contents.
+ * and whatever follows them is not looked at. Each name has room for 19 more characters. No such
+ * line, or no members: count 0 and list null. FreeGroupUserInfo frees the contents.
  * 0; FSH_ARGUMENT (20): the record or its name is missing; FSH_CANNOT_OPEN (21); FSH_NO_MEMORY
  * (23); FSH_MALFORMED (24): an item without ":". */
 FSH_API unsigned GetGroupUserInfo(GroupUserInfo* record);
