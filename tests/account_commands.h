@@ -3,6 +3,8 @@
 #ifndef TESTS_ACCOUNT_COMMANDS_H
 #define TESTS_ACCOUNT_COMMANDS_H
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,11 @@ inline Strings restore_of(const Strings& names) {
   Strings all;
   for (const std::string& name : names) all = joined({all, restored(name)});
   return all;
+}
+
+/* As many of the last commands as are looked at. */
+inline Strings last_of(const Strings& all, size_t count) {
+  return Strings(all.end() - static_cast<std::ptrdiff_t>(std::min(count, all.size())), all.end());
 }
 
 /* The new files that the backup leaves, as DeviceTest::changes lists them. */
