@@ -3,119 +3,81 @@
 #include <sys/stat.h>
 
 #include <csignal>
-#include <cstdlib>
 
-#include "filesharing/shares.h"
-#include "tests/device_test.h"
+#include "tests/share_records.h"
 
 namespace {
 
-const char kRegistry[] = "/etc/share.info";
-const char kOnVolume[] = "/harddisk/volume_1/conf/share.info";
-const char kSmb[] = "/harddisk/volume_1/conf/smb.conf"; /* what /etc/samba/smb.conf leads to */
-const char kAfp[] = "/etc/netatalk/AppleVolumes.conf";
-
-/* What carries one share whose groups are given in each place's own form. */
+/* The groups of one share in each place's own form. */
 struct Lists {
   std::string registry, users, writers, rwlist, allow;
 };
 
-class AccessListsTest : public DeviceTest {
+/* For reading and writing, with the arguments of the removals. */
+unsigned grant(const char* group, const char* share) {
+  return AddGroupToShare(group, share, 0);
+}
+unsigned grant_groups(const char* share, const char* const* groups, int count) {
+  return AddGroupsToShare(share, groups, count, 0);
+}
+unsigned grant_shares(const char* group, const char* const* shares, int count) {
+  return AddGroupToShares(group, shares, count, 0);
+}
+
+class AccessListsTest : public ShareTest {
  protected:
   void SetUp() override {
     DeviceTest::SetUp();
-    write_all({"a:7,administrators:7,b:5", "@\"a\",@\"b\",@\"old\"", "@\"a\"", "@\"x\"", "@\"y\""});
+    write_files(files_with(
+        {":a:7,administrators:7,b:5", "@\"a\",@\"b\",@\"old\"", "@\"a\"", "@\"x\"", "@\"y\""},
+        "  "));
   }
 
-  /* The share "docs" between neighbours that look like it. */
-  static std::string smb(const Lists& lists) {
-    return "; [docs]\nvalid users=stays\n[Docs]\nvalid users=stays\nwrite list=stays\n"
-           "[docs]\n# write list=stays\nvalid users=" +
-           lists.users +
-           "\ncomment=c\n"
-           "path=/harddisk/volume_1/data/docs/\nread only=yes\nwrite list=" +
-           lists.writers + "\n[docs2]\nvalid users = stays\nwrite list=stays";
-  }
-  static std::string afp(const Lists& lists, const std::string& separator) {
-    return "\"/x/\" \"[Docs]\" allow:stays\r\n\"/harddisk/volume_1/data/docs/\" \"[docs]\"" +
-           separator + "rwlist:" + lists.rwlist + " allow:" + lists.allow + "\n\n# stays";
-  }
-  static std::string registry(const Lists& lists) {
-    return "doc=0:1:stays:/Docs/:a:7\ndocs=0:1:c:/docs/:" + lists.registry + "\nlast=0:1::/l/\n";
-  }
-  static std::string on_volume(const Lists& lists) {
-    return "doc=stays:/Docs/:a:7\ndocs=c:/docs/:" + lists.registry + "\nlast=:/l/\n";
+  /* The files with the share "docs" between neighbours that look like it. */
+  static Strings files_with(const Lists& lists, const std::string& separator = " ") {
+    return {"doc=0:1:stays:/Docs/:a:7\ndocs=0:1:c:/docs/" + lists.registry + "\nlast=0:1::/l/\n",
+            "doc=stays:/Docs/:a:7\ndocs=c:/docs/" + lists.registry + "\nlast=:/l/\n",
+            "; [docs]\nvalid users=stays\n[Docs]\nvalid users=stays\nwrite list=stays\n"
+            "[docs]\n# write list=stays\nvalid users=" +
+                lists.users + "\ncomment=c\npath=/harddisk/volume_1/data/docs/\nread only=yes\n" +
+                "write list=" + lists.writers + "\n[docs2]\nvalid users = stays\nwrite list=stays",
+            "\"/x/\" \"[Docs]\" allow:stays\r\n\"/harddisk/volume_1/data/docs/\" \"[docs]\"" +
+                separator + "rwlist:" + lists.rwlist + " allow:" + lists.allow + "\n\n# stays"};
   }
 
-  static void write_all(const Lists& lists) {
-    write(kRegistry, registry(lists));
-    write(kOnVolume, on_volume(lists));
-    write(kSmb, smb(lists));
-    write(kAfp, afp(lists, "  "));
-  }
-  static void expect_all(const Lists& lists, const std::string& separator) {
-    EXPECT_EQ(read(kRegistry), registry(lists));
-    EXPECT_EQ(read(kOnVolume), on_volume(lists));
-    EXPECT_EQ(read(kSmb), smb(lists));
-    EXPECT_EQ(read(kAfp), afp(lists, separator));
-  }
-  static void expect_no_locks() {
-    EXPECT_FALSE(exists("/tmp/share.lck"));
-    EXPECT_FALSE(exists("/tmp/smb.lck"));
+  static void write_files(const Strings& contents) {
+    for (size_t i = 0; i < contents.size(); ++i) write(kShareFiles[i], contents[i]);
   }
 };
 
-const std::string kTemporary = "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] ";
-
 TEST_F(AccessListsTest, RemovedGroupIsGoneEverywhereAndTheAfpLineLosesItsQuotes) {
+  write("/tmp/share.lck", ""); /* the caller's */
   const Snapshot before = snapshot();
+  fail_command("cp", 1); /* of two runs the second counts */
+  fail_command("cp", 3);
   ASSERT_EQ(DelGroupFromShare("b", "docs"), 0u);
-  expect_all({"a:7,administrators:7", "@\"administrators\",@\"a\"", "@\"administrators\",@\"a\"",
-              "@administrators,@a", "@administrators,@a"},
-             " ");
-  const std::string smb = kTemporary + "[/etc/samba/smb.conf]";
-  const std::string afp = kTemporary + "[/etc/netatalk/AppleVolumes.conf]";
+  EXPECT_EQ(files(),
+            files_with({":a:7,administrators:7", "@\"administrators\",@\"a\"",
+                        "@\"administrators\",@\"a\"", "@administrators,@a", "@administrators,@a"}));
+  const std::string smb = copy_to("/etc/samba/smb.conf"), afp = copy_to(kAfp);
   EXPECT_EQ(commands(), Strings({smb, smb, afp, afp})); /* and no wait */
-  EXPECT_EQ(changes(before),
-            Strings({"~/etc/netatalk/AppleVolumes.conf", "~/etc/share.info",
-                     "~/harddisk/volume_1/conf/share.info", "~/harddisk/volume_1/conf/smb.conf"}));
+  EXPECT_EQ(changes(before).size(), 4u);                /* no temporary file is left */
+  signal(SIGCHLD, SIG_IGN);                             /* is undone, so that failures are seen */
+  fail_command("cp", 2);
+  EXPECT_EQ(DelGroupFromShare("a", "docs"), 40u);
 }
 
 /* Rights that are neither 7 nor 5 count as writing here; rwlist takes those who only read. */
 TEST_F(AccessListsTest, ListsOfThoseWhoStay) {
-  struct Case {
-    const char* before;
-    const char* removed;
-    Lists after;
-  };
-  const Case cases[] = {
-      {"a:7,b:5,c:3",
-       "a",
-       {"b:5,c:3", "@\"administrators\",@\"b\",@\"c\"", "@\"administrators\",@\"c\"",
-        "@administrators,@b,@c", "@administrators,@c"}},
-      {"a:7,a:5",
-       "a",
-       {"", "@\"administrators\"", "@\"administrators\"", "@administrators", "@administrators"}},
-      {"a:7,:7",
-       "A", /* was not in the list: the files are rewritten all the same */
-       {"a:7,:7", "@\"administrators\",@\"a\"", "@\"administrators\",@\"a\",@\"\"",
-        "@administrators,@a,@", "@administrators,@a"}},
-      {"administrators:5,b:7",
-       "administrators",
-       {"b:7", "@\"administrators\",@\"b\"", "@\"administrators\",@\"b\"", "@administrators,@b",
-        "@administrators,@b"}},
-  };
-  for (const Case& c : cases) {
-    write_all({c.before, "old", "old", "old", "old"});
-    ASSERT_EQ(DelGroupFromShare(c.removed, "docs"), 0u) << c.before;
-    if (c.after.registry.empty()) {
-      EXPECT_EQ(read(kRegistry), "doc=0:1:stays:/Docs/:a:7\ndocs=0:1:c:/docs/\nlast=0:1::/l/\n");
-      EXPECT_EQ(read(kSmb), smb(c.after));
-      EXPECT_EQ(read(kAfp), afp(c.after, " "));
-    } else {
-      expect_all(c.after, " ");
-    }
-  }
+  write_files(files_with({":A:7,a:7,b:5,c:3,:7,a:5", "old", "old", "old", "old"}));
+  ASSERT_EQ(DelGroupFromShare("a", "docs"), 0u);
+  EXPECT_EQ(files(), files_with({":A:7,b:5,c:3,:7", "@\"administrators\",@\"A\",@\"b\",@\"c\"",
+                                 "@\"administrators\",@\"A\",@\"c\",@\"\"",
+                                 "@administrators,@A,@b,@c,@", "@administrators,@A,@c"}));
+  write_files(files_with({":administrators:5", "old", "old", "old", "old"}));
+  ASSERT_EQ(DelGroupFromShare("administrators", "docs"), 0u);
+  EXPECT_EQ(files(), files_with({"", "@\"administrators\"", "@\"administrators\"",
+                                 "@administrators", "@administrators"}));
 }
 
 TEST_F(AccessListsTest, OnlyListsWithinTheSectionOfTheShareAreReplaced) {
@@ -142,194 +104,131 @@ TEST_F(AccessListsTest, OnlyListsWithinTheSectionOfTheShareAreReplaced) {
   EXPECT_EQ(read(kAfp), "# [docs] " + lists + "\"/a[docs]/" + lists + "] [docs]\n\"/d/\" [docs");
 }
 
-TEST_F(AccessListsTest, PublicShareIsStoredOnItsVolumeUnderItsShortName) {
+TEST_F(AccessListsTest, PublicShareHasItsShortNameOnItsVolumeAndARemovableOneGetsALineThere) {
+  mount_volume(3);
   write(kRegistry, "DISK 1=0:1:c:/public/:a:7,b:5\n");
   write(kOnVolume, "DISK=c:/public/:a:7,b:5\n");
+  write(kRemovable, "FLASH_1_1=0:3:c:/FLASH_1_1/:administrators:7,a:7\n");
+  write("/etc/samba/user_smb.conf", "[FLASH_1_1]\nvalid users=@\"a\"\nwrite list= x\n");
+  const std::string fixed = read(kSmb);
   ASSERT_EQ(DelGroupFromShare("a", "DISK 1"), 0u);
+  ASSERT_EQ(DelGroupFromShare("a", "FLASH_1_1"), 0u);
   EXPECT_EQ(read(kRegistry), "DISK 1=0:1:c:/public/:b:5\n");
   EXPECT_EQ(read(kOnVolume), "DISK=c:/public/:b:5\n");
-}
-
-TEST_F(AccessListsTest, RemovableShareGetsALineOnItsVolumeHere) {
-  mount_volume(3);
-  write("/etc/win_share.info", "FLASH_1_1=0:3:c:/FLASH_1_1/:administrators:7,everyone:7\n");
-  write("/etc/samba/user_smb.conf", "[FLASH_1_1]\nvalid users=@\"everyone\"\nwrite list= x\n");
-  const std::string fixed = read(kSmb);
-  ASSERT_EQ(DelGroupFromShare("everyone", "FLASH_1_1"), 0u);
-  EXPECT_EQ(read("/etc/win_share.info"), "FLASH_1_1=0:3:c:/FLASH_1_1/:administrators:7\n");
-  EXPECT_EQ(read("/etc/samba/user_smb.conf"),
-            "[FLASH_1_1]\nvalid users=@\"administrators\"\n"
-            "write list=@\"administrators\"\n");
+  EXPECT_EQ(read(kRemovable), "FLASH_1_1=0:3:c:/FLASH_1_1/:administrators:7\n");
   EXPECT_EQ(read("/harddisk/volume_3/conf/share.info"),
             "FLASH_1_1=c:/FLASH_1_1/:administrators:7\n");
+  EXPECT_EQ(read("/etc/samba/user_smb.conf"),
+            "[FLASH_1_1]\nvalid users=@\"administrators\"\nwrite list=@\"administrators\"\n");
   EXPECT_EQ(read(kSmb), fixed);
 }
 
 TEST_F(AccessListsTest, RemovalEndsAtTheFirstStepThatFailsAndKeepsTheOthers) {
-  const std::string gone = "administrators:7,b:5";
-  const Lists old{"a:7,administrators:7,b:5", "@\"a\",@\"b\",@\"old\"", "@\"a\"", "@\"x\"",
-                  "@\"y\""};
-  struct Case {
-    const char* step;
-    std::function<void()> prepare;
+  constexpr char kTemporaries[] = "/harddisk/volume_1/conf/tmp";
+  const struct {
+    const char* missing;
+    bool is_folder; /* that is there instead */
+    int failing_copy;
     unsigned code;
-    int steps; /* that are done */
+    size_t steps; /* that are done */
+  } cases[] = {
+      {kTemporaries, false, 0, 22, 0}, {kOnVolume, true, 0, 40, 1}, {kSmb, false, 0, 21, 2},
+      {kSmb, true, 0, 40, 2},          {nullptr, false, 2, 40, 2},  {kAfp, false, 0, 21, 3},
+      {nullptr, false, 4, 40, 3},
   };
-  const Case cases[] = {
-      {"no temporary file",
-       [] { ASSERT_EQ(rename("/harddisk/volume_1/conf/tmp", "/harddisk/volume_1/conf/gone"), 0); },
-       22, 0},
-      {"list of the volume",
-       [] {
-         ASSERT_EQ(remove(kOnVolume), 0);
-         ASSERT_EQ(mkdir(kOnVolume, 0777), 0);
-       },
-       40, 1},
-      {"no smb.conf", [] { ASSERT_EQ(remove(kSmb), 0); }, 21, 2},
-      {"smb.conf not copied",
-       [] {
-         fail_command("cp", 1);
-         fail_command("cp", 2);
-       },
-       40, 2},
-      {"no AppleVolumes.conf", [] { ASSERT_EQ(remove(kAfp), 0); }, 21, 3},
-      {"AppleVolumes.conf not copied",
-       [] {
-         fail_command("cp", 3);
-         fail_command("cp", 4);
-       },
-       40, 3},
-  };
-  for (const Case& c : cases) {
-    SetUp();
-    c.prepare();
-    EXPECT_EQ(DelGroupFromShare("a", "docs"), c.code) << c.step;
-    Lists now = old;
-    now.registry = c.steps > 0 ? gone : old.registry;
-    EXPECT_EQ(read(kRegistry), registry(now)) << c.step;
-    now.registry = c.steps > 1 ? gone : old.registry;
-    if (c.steps != 1) {
-      EXPECT_EQ(read(kOnVolume), on_volume(now)) << c.step;
+  const Strings before = files();
+  ASSERT_EQ(DelGroupFromShare("a", "docs"), 0u);
+  const Strings after = files();
+  for (const auto& c : cases) {
+    write_files(before);
+    if (c.missing != nullptr) remove(c.missing);
+    if (c.is_folder) mkdir(c.missing, 0777);
+    if (c.failing_copy != 0) fail_both_copies(c.failing_copy);
+    EXPECT_EQ(DelGroupFromShare("a", "docs"), c.code) << c.steps;
+    for (size_t i = 0; i < after.size(); ++i) {
+      if (kShareFiles[i] != c.missing) {
+        EXPECT_EQ(read(kShareFiles[i]), (i < c.steps ? after : before)[i]) << c.code;
+      }
     }
-    EXPECT_EQ(exists(kSmb) && read(kSmb) != smb(old), c.steps > 2) << c.step;
-    EXPECT_EQ(exists(kAfp) && read(kAfp) != afp(old, "  "), false) << c.step;
-    EXPECT_EQ(system("test -z \"$(ls /harddisk/volume_1/conf/tmp 2>/dev/null)\""), 0) << c.step;
+    if (c.missing != nullptr) remove(c.missing);
+    remove(kTemporaries);
+    ASSERT_EQ(mkdir(kTemporaries, 0777), 0) << "a temporary file is left";
   }
-}
-
-TEST_F(AccessListsTest, OneRunOfACopyMayFailAndAnIgnoredChildSignalIsUndone) {
-  fail_command("cp", 1);
-  fail_command("cp", 3);
-  EXPECT_EQ(DelGroupFromShare("b", "docs"), 0u);
-  fail_command("cp", 2); /* the second run counts */
-  EXPECT_EQ(DelGroupFromShare("a", "docs"), 40u);
-  signal(SIGCHLD, SIG_IGN);
-  fail_command("cp", 2);
-  EXPECT_EQ(DelGroupFromShare("a", "docs"), 40u);
 }
 
 TEST_F(AccessListsTest, GrantedGroupStandsAtTheEndOfEveryList) {
+  write("/tmp/share.lck", ""); /* the caller's */
   ASSERT_EQ(AddGroupToShare("c", "docs", 0), 0u);
   ASSERT_EQ(AddGroupToShare("d", "docs", -1), 0u);
-  EXPECT_EQ(read(kRegistry),
-            "doc=0:1:stays:/Docs/:a:7\n"
-            "docs=0:1:c:/docs/:a:7,administrators:7,b:5,c:7,d:5\nlast=0:1::/l/\n");
   const std::string all = "@\"administrators\",@\"a\",@\"b\",@\"c\",@\"d\"";
-  EXPECT_NE(read(kSmb).find("[docs]\nvalid users=" + all + "\ncomment=c\n"), std::string::npos);
-  EXPECT_EQ(read(kAfp),
-            "\"/x/\" \"[Docs]\" allow:stays\r\n"
-            "\"/harddisk/volume_1/data/docs/\" \"[docs]\"  "
-            "rwlist:@\"administrators\",@\"a\",@\"c\" allow:" +
-                all + "\n\n# stays");
-  EXPECT_EQ(read(kOnVolume),
-            "doc=stays:/Docs/:a:7\ndocs=c:/docs/:a:7,administrators:7,b:5,c:7,d:5\nlast=:/l/\n");
+  const std::string writers = "@\"administrators\",@\"a\",@\"c\"";
+  Strings expected =
+      files_with({":a:7,administrators:7,b:5,c:7,d:5", all, writers, writers, all}, "  ");
+  expected[2].replace(expected[2].find("# write list=stays\n"), 19, ""); /* written whole */
+  EXPECT_EQ(files(), expected);
 }
 
-TEST_F(AccessListsTest, RefusedGrantsAndRemovalsChangeNothing) {
-  const char* const some[] = {"docs"};
+TEST_F(AccessListsTest, RefusedChangesLockNothingAndALockTakenBeforeABusyOneStays) {
+  write("/tmp/smb.lck", "");
   const Snapshot before = snapshot();
-  EXPECT_EQ(AddGroupToShare("a", "docs", 1), 55u);
-  EXPECT_EQ(AddGroupToShare("a", "DOCS", 0), 47u);
-  EXPECT_EQ(AddGroupToShare("", "docs", 0), 20u);
-  EXPECT_EQ(AddGroupToShare("a", nullptr, 0), 20u);
-  EXPECT_EQ(AddGroupToShare("a", "none", 0), 49u);
-  EXPECT_EQ(DelGroupFromShare("a", "DOCS"), 47u);
-  EXPECT_EQ(DelGroupFromShare(nullptr, "docs"), 20u);
-  EXPECT_EQ(DelGroupFromShare("a", ""), 20u);
-  EXPECT_EQ(DelGroupFromShare("a", "none"), 49u);
-  for (const auto batch : {AddGroupToShares, AddGroupsToShare}) {
-    EXPECT_EQ(batch("docs", nullptr, 1, 0), 20u);
-    EXPECT_EQ(batch("docs", some, 0, 0), 20u);
-    EXPECT_EQ(batch("", some, 1, 0), 20u);
+  EXPECT_EQ(grant("a", "docs"), 55u);
+  const char* const names[] = {"none"};
+  for (const auto change : {DelGroupFromShare, grant}) {
+    EXPECT_EQ(change("", "docs"), 20u);
+    EXPECT_EQ(change("a", nullptr), 20u);
+    EXPECT_EQ(change("a", "none"), 49u);
+    EXPECT_EQ(change("b", "DOCS"), 47u); /* it exists, but is not found */
   }
-  for (const auto batch : {DelGroupFromShares, DelGroupsFromShare}) {
+  for (const auto batch : {DelGroupFromShares, DelGroupsFromShare, grant_shares, grant_groups}) {
+    EXPECT_EQ(batch("", names, 1), 20u);
     EXPECT_EQ(batch("docs", nullptr, 1), 20u);
-    EXPECT_EQ(batch("docs", some, 0), 20u);
-    EXPECT_EQ(batch(nullptr, some, 1), 20u);
+    EXPECT_EQ(batch("docs", names, 0), 20u);
   }
-  EXPECT_EQ(AddGroupsToShare("none", some, 1, 0), 49u);
-  EXPECT_EQ(DelGroupsFromShare("none", some, 1), 49u);
+  EXPECT_EQ(grant_groups("none", names, 1), 49u);
+  EXPECT_EQ(DelGroupsFromShare("none", names, 1), 49u);
   EXPECT_EQ(changes(before), Strings());
+
+  const auto expect_busy = [&](auto batch, unsigned code) {
+    EXPECT_EQ(batch("docs", names, 1), code); /* and not that there is no such share */
+    EXPECT_EQ(changes(before), Strings({"+/tmp/share.lck"}));
+    remove("/tmp/share.lck");
+  };
+  expect_busy(grant_shares, 51u);
+  expect_busy(grant_groups, 51u);
+  expect_busy(DelGroupFromShares, 52u);
+  expect_busy(DelGroupsFromShare, 52u);
+  EXPECT_EQ(commands(), Strings());
 }
 
 TEST_F(AccessListsTest, BatchesChangeEachInOrder) {
+  const std::string docs = "doc=0:1:stays:/Docs/:a:7\ndocs=0:1:c:/docs/:a:7,administrators:7,b:5";
   const char* const groups[] = {"c", "d"};
   const char* const shares[] = {"last", "docs"};
   ASSERT_EQ(AddGroupsToShare("docs", groups, 2, 1), 0u);
   ASSERT_EQ(AddGroupToShares("e", shares, 2, 0), 0u);
-  EXPECT_EQ(read(kRegistry),
-            "doc=0:1:stays:/Docs/:a:7\n"
-            "docs=0:1:c:/docs/:a:7,administrators:7,b:5,c:5,d:5,e:7\n"
-            "last=0:1::/l/:e:7\n");
+  EXPECT_EQ(read(kRegistry), docs + ",c:5,d:5,e:7\nlast=0:1::/l/:e:7\n");
   ASSERT_EQ(DelGroupsFromShare("docs", groups, 2), 0u);
   ASSERT_EQ(DelGroupFromShares("e", shares, 2), 0u);
-  EXPECT_EQ(read(kRegistry),
-            "doc=0:1:stays:/Docs/:a:7\n"
-            "docs=0:1:c:/docs/:a:7,administrators:7,b:5\nlast=0:1::/l/\n");
+  EXPECT_EQ(read(kRegistry), docs + "\nlast=0:1::/l/\n");
   expect_no_locks();
 }
 
-/* /etc/share.info is a file of its own here, so the line that was written stays in it. */
+/* /etc/share.info is a file of its own here, so that the line that was written stays in it. */
 TEST_F(AccessListsTest, BatchThatFailsInTheMiddleIsRestored) {
-  const std::string volume = read(kOnVolume), smb = read(kSmb);
-  const char* const add[] = {"c", "a", "d"};
-  EXPECT_EQ(AddGroupsToShare("docs", add, 3, 0), 55u);
-  EXPECT_EQ(read(kOnVolume), volume);
-  EXPECT_EQ(read(kSmb), smb);
-  expect_no_locks();
-
-  const char* const shares[] = {"docs", "none", "last"};
-  EXPECT_EQ(AddGroupToShares("z", shares, 3, 0), 49u);
-  EXPECT_EQ(DelGroupFromShares("a", shares, 3), 49u);
-  EXPECT_EQ(read(kOnVolume), volume);
-  EXPECT_EQ(read(kSmb), smb);
-  EXPECT_EQ(read(kRegistry).find("last=0:1::/l/:"), std::string::npos);
-
-  clear_commands();
-  const char* const missing[] = {"b", "", "a"};
-  EXPECT_EQ(DelGroupsFromShare("docs", missing, 3), 20u);
-  EXPECT_EQ(read(kOnVolume), volume);
-  EXPECT_EQ(read(kSmb), smb);
-  EXPECT_EQ(commands().size(), 4u + 4u + 4u); /* backup, the first group, restore */
-  expect_no_locks();
-}
-
-TEST_F(AccessListsTest, BusyLocksWinOverAShareThatIsNotThereAndStay) {
-  write("/tmp/smb.lck", "");
-  const char* const names[] = {"none"};
-  const struct {
-    std::function<unsigned()> call;
-    unsigned code;
-  } cases[] = {{[&] { return AddGroupToShares("a", names, 1, 0); }, 51},
-               {[&] { return AddGroupsToShare("docs", names, 1, 0); }, 51},
-               {[&] { return DelGroupFromShares("a", names, 1); }, 52},
-               {[&] { return DelGroupsFromShare("docs", names, 1); }, 52}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.call(), c.code);
-    EXPECT_TRUE(exists("/tmp/smb.lck"));
-    EXPECT_EQ(remove("/tmp/share.lck"), 0); /* was taken and stayed */
-  }
-  EXPECT_EQ(commands(), Strings());
+  const Strings before = files();
+  const auto expect_restored = [&](auto batch, const char* subject,
+                                   const std::vector<const char*>& names, unsigned code) {
+    EXPECT_EQ(batch(subject, names.data(), 3), code);
+    EXPECT_EQ(read(kOnVolume), before[1]);
+    EXPECT_EQ(read(kSmb), before[2]);
+    EXPECT_TRUE(read(kRegistry).ends_with("\nlast=0:1::/l/\n")) << "the third was changed";
+    expect_no_locks();
+  };
+  expect_restored(grant_groups, "docs", {"z", "", "x"}, 20);
+  expect_restored(grant_shares, "y", {"docs", "none", "last"}, 49);
+  expect_restored(DelGroupsFromShare, "docs", {"z", "", "a"}, 20);
+  expect_restored(DelGroupFromShares, "a", {"docs", "none", "last"}, 49);
+  EXPECT_EQ(read(kRegistry).find("x:7"), std::string::npos);
 }
 
 }  // namespace

@@ -1,12 +1,43 @@
-/* Shares and access lists as text, to compare them at a glance. */
+/* Shares and access lists as text, to compare them at a glance, and the files that carry them. */
 #ifndef TESTS_SHARE_RECORDS_H
 #define TESTS_SHARE_RECORDS_H
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "filesharing/shares.h"
+#include "tests/device_test.h"
+
+constexpr char kRegistry[] = "/etc/share.info";
+constexpr char kRemovable[] = "/etc/win_share.info";
+constexpr char kOnVolume[] = "/harddisk/volume_1/conf/share.info";
+constexpr char kSmb[] = "/harddisk/volume_1/conf/smb.conf"; /* /etc/samba/smb.conf leads there */
+constexpr char kAfp[] = "/etc/netatalk/AppleVolumes.conf";
+
+/* Where a share stands, unless it is a removable one. */
+constexpr const char* kShareFiles[] = {kRegistry, kOnVolume, kSmb, kAfp};
+
+class ShareTest : public DeviceTest {
+ protected:
+  static Strings files() { return {read(kRegistry), read(kOnVolume), read(kSmb), read(kAfp)}; }
+
+  static void expect_no_locks() {
+    EXPECT_FALSE(exists("/tmp/share.lck"));
+    EXPECT_FALSE(exists("/tmp/smb.lck"));
+  }
+
+  /* The command that puts a rewritten file in its place. */
+  static std::string copy_to(const std::string& path) {
+    return "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] [" + path + "]";
+  }
+
+  /* Of a copy that runs twice, the second run, which is the nth cp, counts; that the file stays as
+   * it was takes both to fail. */
+  static void fail_both_copies(int nth) {
+    fail_command("cp", nth - 1);
+    fail_command("cp", nth);
+  }
+};
 
 /* " staff:7 family:5" */
 inline std::string text_of(const ShareGroup* groups) {
@@ -33,18 +64,6 @@ inline ShareInfo share_record(const char* name, const char* comment = "", const 
   strncpy(share.path, path, sizeof share.path - 1);
   share.volume = volume;
   return share;
-}
-
-/* The code that listing gives when it fails, else the records. */
-inline std::vector<std::string> listed(unsigned (*list)(ShareInfo**)) {
-  ShareInfo* head = nullptr;
-  if (const unsigned code = list(&head)) return {std::to_string(code), head ? "not empty" : ""};
-  std::vector<std::string> records;
-  for (const ShareInfo* share = head; share != nullptr; share = share->next) {
-    records.push_back(text_of(*share));
-  }
-  FreeShareList(head);
-  return records;
 }
 
 #endif
