@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -40,6 +39,9 @@ class AddUserTest : public DeviceTest {
 
 TEST_F(AddUserTest, UserStandsInEveryFileStepByStep) {
   const std::string accounts = read("/etc/passwd");
+  write("/etc/usrgrp.info",
+        "everyone=   \r\neveryone=  bob:1,carol:2:3\r\n\n\r\nno key\nstaff= bob\n"
+        "everyones=a\nEveryone=b\n everyone=c\neveryone=");
   const Snapshot before = snapshot();
   EXPECT_EQ(add(user("dave")), 0u);
   EXPECT_EQ(read("/etc/passwd"), accounts + "dave:Jq5EBTBqUeV2g:2003:501:Dave Miller::/dev/null\n");
@@ -48,8 +50,8 @@ TEST_F(AddUserTest, UserStandsInEveryFileStepByStep) {
             "administrators:x:500:admin\neveryone:x:501:admin,guest,alice,bob,carol,dave\n"
             "staff:x:2000:alice,bob\nfamily:x:2001:alice,carol\n");
   EXPECT_EQ(read("/etc/usrgrp.info"),
-            "everyone=admin:0,guest:0,alice:500,bob:1000,carol:0,dave:250\n"
-            "administrators=admin:0\nstaff=alice:500,bob:1000\nfamily=alice:500,carol:0\n");
+            "everyone=dave:250\neveryone=bob:1,carol:2:3,dave:250\n\n\r\nno key\nstaff= bob\n"
+            "everyones=a\nEveryone=b\n everyone=c\neveryone=dave:250\n");
   EXPECT_EQ(read(kQuotaFile), "/dev/sda1 0 256000 256000 0 0 0\n");
   EXPECT_EQ(changes(before).size(), 8u);  // three files, their backups and smbpasswd's, the quota
   EXPECT_EQ(commands(),
@@ -81,16 +83,6 @@ TEST_F(AddUserTest, FullFieldsAreReadToTheirEnd) {
                               ":JqlSBSZyrQISU:2003:501:" + std::string(48, 'w') +
                               ":Jq5TGiIV1HNqI:/dev/null\n";
   EXPECT_NE(read("/etc/passwd").find(longest), std::string::npos);
-}
-
-TEST_F(AddUserTest, OnlyLinesOfEveryoneAreRewritten) {
-  write("/etc/usrgrp.info",
-        "everyone=   \r\neveryone=  bob:1,carol:2:3\r\n\n\r\nno key\nstaff= bob\n"
-        "everyones=a\nEveryone=b\n everyone=c\neveryone=");
-  EXPECT_EQ(add(user("dave")), 0u);
-  EXPECT_EQ(read("/etc/usrgrp.info"),
-            "everyone=dave:250\neveryone=bob:1,carol:2:3,dave:250\n\n\r\nno key\nstaff= bob\n"
-            "everyones=a\nEveryone=b\n everyone=c\neveryone=dave:250\n");
 }
 
 TEST_F(AddUserTest, PasswordIsEscapedForTheShellButTheNameBesideItIsNot) {
@@ -177,14 +169,13 @@ TEST_F(AddUserTest, QuotaIsSetOnEveryDisk) {
   std::filesystem::remove_all("/dev/LVM");
   EXPECT_EQ(SetUserQuota("bob", 5), 0u);
   EXPECT_EQ(read(kQuotaFile), disks + "/dev/md0 0 5120 5120 0 0 0\n");
-}
-
-TEST_F(AddUserTest, QuotaFailuresAndNoDisk) {
   fail_command("edquota", 1);
   EXPECT_EQ(SetUserQuota("bob", 0), 32u);
   EXPECT_EQ(SetUserQuota(nullptr, 0), 20u);
-  clear_commands();
-  EXPECT_TRUE(exists(kQuotaFile));
+}
+
+TEST_F(AddUserTest, QuotaWithoutDiskOrPrototypeIsNotSet) {
+  write(kQuotaFile, "old");
   unmount_volume(1);
   EXPECT_EQ(SetUserQuota("bob", 5), 0u);
   EXPECT_FALSE(exists(kQuotaFile));
