@@ -56,11 +56,7 @@ TEST_F(HttpsTest, AnythingButYesOnlyStopsTheTunnel) {
 }
 
 TEST_F(HttpsTest, MissingSettingsStartNothing) {
-  const auto open_descriptors = [] {
-    const fs::directory_iterator all("/proc/self/fd");
-    return std::distance(begin(all), end(all));
-  };
-  const auto before = open_descriptors();
+  const long before = open_descriptors();
   write(kSettings, "[network]\nport=8080\n[media]\nhttps=yes\n");
   EXPECT_EQ(ResetHttps(), -1);
   EXPECT_EQ(open_descriptors(), before + 1) << "the settings file stays open";

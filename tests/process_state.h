@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 
 /* "own": neither the caller's session nor one that this process leads, which could get a
@@ -36,6 +37,11 @@ inline std::string process_state(pid_t callers_session) {
   return "folder " + std::filesystem::current_path().string() + ", umask " + std::to_string(mask) +
          ", session " + (own ? "own" : "foreign") + ", SIGCHLD " + child_signal + ", 0-63 " +
          (closed ? "closed" : "open");
+}
+
+inline long open_descriptors() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return std::distance(begin(all), end(all));
 }
 
 inline std::function<void()> note_process_state(const std::string& path) {
