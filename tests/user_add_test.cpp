@@ -6,32 +6,18 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
-#include <functional>
 
-#include "filesharing/users.h"
-#include "tests/account_commands.h"
-#include "tests/device_test.h"
+#include "tests/account_test.h"
 
 namespace {
 
 const Strings kFiles{"passwd", "group", "usrgrp.info", "smbpasswd"};
-const Strings kBackups = backups_left({"group", "passwd", "smbpasswd", "usrgrp.info"});
 constexpr char kQuotaFile[] = "/tmp/edquota.tmp";
 constexpr char kQuotaTool[] = "/usr/bin/edquota [-u] [dave]";
 constexpr char kSmbTool[] = "/usr/sbin/smbpasswd [-a] [dave] [word-77]";
 
-class AddUserTest : public DeviceTest {
+class AddUserTest : public AccountTest {
  protected:
-  static UserInfo user(const char* name, const char* password = "word-77") {
-    UserInfo record{};
-    (void)std::snprintf(record.name, sizeof record.name, "%s", name);
-    (void)std::snprintf(record.description, sizeof record.description, "Dave Miller");
-    (void)std::snprintf(record.password, sizeof record.password, "%s", password);
-    record.quota = 250;
-    record.uid = 4000;  // of no account: the id is chosen
-    return record;
-  }
-
   static unsigned add(const UserInfo& record) {
     return in_process([&] { return AddUser(&record); });
   }
@@ -43,7 +29,8 @@ TEST_F(AddUserTest, UserStandsInEveryFileStepByStep) {
         "everyone=   \r\neveryone=  bob:1,carol:2:3\r\n\n\r\nno key\nstaff= bob\n"
         "everyones=a\nEveryone=b\n everyone=c\neveryone=");
   const Snapshot before = snapshot();
-  EXPECT_EQ(add(user("dave")), 0u);
+  // The id is chosen, whatever the caller left in the record.
+  EXPECT_EQ(add(user("dave", "word-77", 250, 4000)), 0u);
   EXPECT_EQ(read("/etc/passwd"), accounts + "dave:Jq5EBTBqUeV2g:2003:501:Dave Miller::/dev/null\n");
   EXPECT_EQ(read("/etc/group"),
             "root:x:0:\ndaemon:x:1:\nbin:x:2:\nnobody:x:99:\nsshd:x:100:\n"
@@ -109,40 +96,26 @@ TEST_F(AddUserTest, RefusedBeforeAnythingIsTouched) {
 }
 
 TEST_F(AddUserTest, FailedStepBringsEveryFileBack) {
-  struct Case {
-    std::function<void()> fault;
-    unsigned result;
-    std::string last;  // the step that failed or the one before; the restore comes next
-    bool leaves_quota_file = true;
-  };
-  const Case cases[] = {
+  const Strings quota{"+/tmp/edquota.tmp"};
+  const std::vector<Fault> faults{
       {[] {
          std::filesystem::remove("/etc/passwd");
          std::filesystem::create_symlink("/nowhere/passwd", "/etc/passwd");
        },
-       21, backed_up("smbpasswd").back(), false},
-      {[] { fail_command("edquota", 1); }, 32, kQuotaTool},
-      {[] { fail_command("smbpasswd", 1); }, 256, kSmbTool},
-      {[] { std::filesystem::remove_all("/harddisk/volume_1/conf/tmp"); }, 22, kSmbTool},
-      {[] { (void)unlink("/etc/group"); }, 21, kSmbTool},
-      {[] { write("/etc/group", "everyone:x:501:" + std::string(41, 'm') + "\n"); }, 24, kSmbTool},
-      {[] { (void)unlink("/etc/usrgrp.info"); }, 21, "sleep 1"},
-      {[] { write("/etc/usrgrp.info", "everyone=bob:1,\n"); }, 24, "sleep 1"},
+       21, backed_up("smbpasswd").back()},
+      {[] { fail_command("edquota", 1); }, 32, kQuotaTool, quota},
+      {[] { fail_command("smbpasswd", 1); }, 256, kSmbTool, quota},
+      {[] { std::filesystem::remove_all("/harddisk/volume_1/conf/tmp"); }, 22, kSmbTool, quota},
+      {[] { (void)unlink("/etc/group"); }, 21, kSmbTool, quota},
+      {[] { write("/etc/group", "everyone:x:501:" + std::string(41, 'm') + "\n"); }, 24, kSmbTool,
+       quota},
+      {[] { (void)unlink("/etc/usrgrp.info"); }, 21, "sleep 1", quota},
+      {[] { write("/etc/usrgrp.info", "everyone=bob:1,\n"); }, 24, "sleep 1", quota},
       // The backup takes eight copies, the group file one and the lists two.
-      {[] { fail_command("cp", 9); }, 34, copy_back_to("/etc/group")},
-      {[] { fail_command("cp", 11); }, 34, copy_back_to("/etc/usrgrp.info")},
+      {[] { fail_command("cp", 9); }, 34, copy_back_to("/etc/group"), quota},
+      {[] { fail_command("cp", 11); }, 34, copy_back_to("/etc/usrgrp.info"), quota},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    SetUp();
-    c.fault();
-    const Snapshot before = snapshot();
-    EXPECT_EQ(add(user("dave")), c.result);
-    EXPECT_EQ(changes(before),
-              joined({kBackups, c.leaves_quota_file ? Strings{"+/tmp/edquota.tmp"} : Strings{}}));
-    const Strings end = joined({{c.last}, restore_of(kFiles)});
-    EXPECT_EQ(last_of(commands(), end.size()), end);
-  }
+  expect_restored(kFiles, faults, [] { return add(user("dave")); });
 }
 
 TEST_F(AddUserTest, SmbAccountFileIgnoredChildSignalAndFirstOfTwoCopiesDoNotMatter) {
