@@ -34,7 +34,6 @@ TEST_F(FileshareGroupsTest, RefusalsSayWhyAndChangeNothing) {
   const std::string none = " group \"none\": there is no group of this name\n";
   const std::string staff = "can not add to group \"staff\": ";
   expect_refused({
-      {{"group", "show", "none"}, 1, "can not show" + none},
       {{"group", "members", "none"}, 1, "can not list the members of" + none},
       {{"group", "delete", "none"}, 1, "can not delete" + none},
       {{"group", "rename", "none", "team"}, 1, "can not rename" + none},

@@ -48,18 +48,9 @@ TEST_F(FileshareServicesTest, FailureOfAStepOfApplyIsTheExitStatusThoughLaterOne
   EXPECT_EQ(fileshare({"samba", "apply"}).error,
             "fileshare: can not apply the settings of Samba: a setting is missing, or Samba did "
             "not follow (code 13)\n");
-  fail_command("cp", 1);
-  EXPECT_EQ(fileshare({"ftp", "apply"}).status, 1);
   write("/etc/CGI_ds.conf", "[network]\n");
   EXPECT_EQ(fileshare({"https", "apply"}).status, 1);
   EXPECT_EQ(fileshare({"https", "show"}).status, 1);
-}
-
-TEST_F(FileshareServicesTest, ApplyOfFtpRestartsInetdOnce) {
-  expect({"ftp", "apply"});
-  wait_for_background();
-  EXPECT_EQ(commands().back(), "/etc/rc.d/rc.xinetd");
-  EXPECT_EQ(commands().size(), 8u);
 }
 
 }  // namespace
