@@ -6,6 +6,7 @@
 
 #include "conf/folder.h"
 #include "conf/result.h"
+#include "conf/text.h"
 #include "filesharing/album.h"
 
 namespace filesharing {
@@ -38,7 +39,7 @@ int remove_orphans(const std::string& folder) {
     const std::string name = entry->d_name;
     const std::string_view picture = picture_of(name);
     if (!picture.empty() && !is_there(folder + '/' + std::string(picture))) {
-      unlink((thumbnails + '/' + name).c_str());
+      unlink(format("%s/%s", thumbnails.c_str(), name.c_str()).c_str());
     }
   }
   return 0;
