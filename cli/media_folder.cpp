@@ -1,5 +1,7 @@
 #include "cli/media_folder.h"
 
+#include <cstring>
+
 #include "cli/failure.h"
 #include "cli/names.h"
 #include "filesharing/media.h"
@@ -37,7 +39,8 @@ std::string share_of(const std::string& reference) {
   std::string share(reference.size() + 1, '\0');
   std::string folder = share;
   if (StripShareAndFolder(reference.c_str(), share.data(), folder.data(), 0) != 0) return {};
-  return share.c_str();
+  share.resize(std::strlen(share.c_str()));
+  return share;
 }
 
 }  // namespace fileshare
