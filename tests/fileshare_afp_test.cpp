@@ -1,39 +1,25 @@
 // The verbs of fileshare for AFP and NFS.
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
-
-#include "tests/device_test.h"
+#include "tests/fileshare_run.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 constexpr char kSettings[] = "/etc/CGI_ds.conf";
 constexpr char kEntries[] = "/etc/nfs.info";
 
-class FileshareAfpTest : public DeviceTest {
- protected:
-  static Outcome fileshare(Strings arguments) {
-    arguments.insert(arguments.begin(), "fileshare");
-    return run(arguments);
-  }
-
-  static Json shown(const char* service) {
-    return Json::parse(fileshare({service, "show", "--json"}).out);
-  }
-};
+class FileshareAfpTest : public FileshareRun {};
 
 TEST_F(FileshareAfpTest, AfpSetChangesWhatIsNamedAndLeavesTheRest) {
   Json expected = Json::parse(R"({"enabled": true, "guests": false, "name": "",
       "code-page": "UTF8", "mac-code-page": "\"UTF8-MAC\"", "time-machine": ""})");
-  EXPECT_EQ(shown("afp"), expected);
+  EXPECT_EQ(shown({"afp", "show"}), expected);
   EXPECT_EQ(fileshare({"afp", "set", "--time-machine", "DISK 1", "--name", "NAS"}).error, "");
   expected.update({{"time-machine", "DISK 1"}, {"name", "NAS"}});
-  EXPECT_EQ(shown("afp"), expected);
+  EXPECT_EQ(shown({"afp", "show"}), expected);
   EXPECT_EQ(fileshare({"afp", "set", "--time-machine", "", "--guests", "yes"}).error, "");
   expected.update({{"time-machine", ""}, {"guests", true}});
-  EXPECT_EQ(shown("afp"), expected);
+  EXPECT_EQ(shown({"afp", "show"}), expected);
 }
 
 TEST_F(FileshareAfpTest, RefusedSettingNamesItsFieldAndChangesNothing) {
@@ -82,7 +68,7 @@ TEST_F(FileshareAfpTest, FailureInTheBackgroundIsNotToldASecondTime) {
 }
 
 TEST_F(FileshareAfpTest, NfsShowsItsEntriesAlsoWithoutTheirFile) {
-  EXPECT_EQ(shown("nfs"), Json::parse(R"({"enabled": false, "entries": [
+  EXPECT_EQ(shown({"nfs", "show"}), Json::parse(R"({"enabled": false, "entries": [
       {"name": "Music", "host": "192.168.1.20", "mask": 32, "flags": 1},
       {"name": "Projects", "host": null, "mask": 0, "flags": 0}]})"));
   EXPECT_EQ(fileshare({"nfs", "show"}).out,
@@ -93,15 +79,15 @@ TEST_F(FileshareAfpTest, NfsShowsItsEntriesAlsoWithoutTheirFile) {
   write(kEntries, "[NFS]\n\n");
   EXPECT_EQ(fileshare({"nfs", "show"}).status, 1);
   unlink(kEntries);
-  EXPECT_EQ(shown("nfs")["entries"], Json::array());
+  EXPECT_EQ(shown({"nfs", "show"})["entries"], Json::array());
 }
 
 TEST_F(FileshareAfpTest, NfsIsSwitchedAndItsExportsRewritten) {
   EXPECT_EQ(fileshare({"nfs", "set", "on"}).error, "");
   wait_for_background();
-  EXPECT_EQ(shown("nfs")["enabled"], true);
+  EXPECT_EQ(shown({"nfs", "show"})["enabled"], true);
   EXPECT_EQ(fileshare({"nfs", "set", "off"}).error, "");
-  EXPECT_EQ(shown("nfs")["enabled"], false);
+  EXPECT_EQ(shown({"nfs", "show"})["enabled"], false);
   EXPECT_EQ(fileshare({"nfs", "apply"}).error, "");
   EXPECT_EQ(read("/etc/exports"),
             "/harddisk/volume_1/data/public/ *(rw,async,all_squash,anonuid=501,anongid=501)\n"

@@ -2,26 +2,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
-
-#include "tests/device_test.h"
+#include "tests/fileshare_run.h"
 
 namespace {
 
-using Json = nlohmann::json;
-
 constexpr char kUsers[] = "/etc/album_user.conf";
 
-class FileshareAlbumTest : public DeviceTest {
+class FileshareAlbumTest : public FileshareRun {
  protected:
   static Outcome album(Strings arguments) {
-    arguments.insert(arguments.begin(), {"fileshare", "album"});
-    return run(arguments);
+    arguments.insert(arguments.begin(), "album");
+    return fileshare(arguments);
   }
 
   static Json shown(Strings arguments) {
-    arguments.emplace_back("--json");
-    return Json::parse(album(arguments).out);
+    arguments.insert(arguments.begin(), "album");
+    return FileshareRun::shown(arguments);
   }
 };
 

@@ -1,26 +1,12 @@
 // The verbs of fileshare for the media servers.
 #include <filesystem>
-#include <nlohmann/json.hpp>
-
-#include "tests/device_test.h"
+#include "tests/fileshare_run.h"
 
 namespace {
 
-using Json = nlohmann::json;
-
 constexpr char kSettings[] = "/etc/CGI_ds.conf";
 
-class FileshareMediaTest : public DeviceTest {
- protected:
-  static Outcome fileshare(Strings arguments) {
-    arguments.insert(arguments.begin(), "fileshare");
-    return run(arguments);
-  }
-
-  static Json shown(const char* server) {
-    return Json::parse(fileshare({server, "show", "--json"}).out);
-  }
-};
+class FileshareMediaTest : public FileshareRun {};
 
 TEST_F(FileshareMediaTest, SetChangesWhatIsNamedAndLeavesTheRest) {
   std::filesystem::create_directory("/harddisk/volume_1/data/Music/Pop");
@@ -31,12 +17,12 @@ TEST_F(FileshareMediaTest, SetChangesWhatIsNamedAndLeavesTheRest) {
                 .status,
             0);
   EXPECT_EQ(fileshare({"upnp", "set", "--slot", "1", "--folder", ""}).status, 0);
-  EXPECT_EQ(shown("itunes"),
+  EXPECT_EQ(shown({"itunes", "show"}),
             Json::parse(R"({"enabled": true, "name": "Songs", "folder": "/Music/Pop"})"));
-  EXPECT_EQ(shown("broadcast"),
+  EXPECT_EQ(shown({"broadcast", "show"}),
             Json::parse(R"({"enabled": false, "name": "DiskServer_MP3", "port": 8000,
       "folder": "/Music", "in-order": false})"));
-  EXPECT_EQ(shown("upnp"), Json::parse(R"({"enabled": true, "name": "DiskServer_Media",
+  EXPECT_EQ(shown({"upnp", "show"}), Json::parse(R"({"enabled": true, "name": "DiskServer_Media",
       "rescan": true, "rescan-interval": 30,
       "folders": [{"slot": 4, "folder": "/Music/Pop", "content": 3}]})"));
   EXPECT_NE(read(kSettings).find("\nupnp_av_share_4=Music\n"), std::string::npos);
