@@ -19,10 +19,6 @@ constexpr std::string_view kTokenRefuses = " :@#,;/=[]\"'$\\`";
 constexpr TextRule kServerName{"a server name", 64, kTokenRefuses};
 constexpr TextRule kCodePage{"a code page", 64, kTokenRefuses};
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<bool> guests;
@@ -41,7 +37,7 @@ int read(AfpSettings& settings) {
                 {{FSH_AFP_SETTINGS_UNREADABLE, "the settings file or one of its keys is missing"}});
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   AfpSettings settings{};
   if (const int status = read(settings); status != kDone) return status;
   print_record({{"enabled", settings.enabled != 0},

@@ -18,19 +18,6 @@ constexpr TextRule kText1{"text 1", 50, ":", false};
 constexpr TextRule kText2{"text 2", 15, ":", false};
 constexpr const char* kNotWritten = "the file of the album's users can not be written";
 
-struct ListArguments {
-  bool json = false;
-};
-
-struct ShowArguments {
-  std::string name;
-  bool json = false;
-};
-
-struct NameArguments {
-  std::string name;
-};
-
 struct ChangeArguments {
   std::string name;
   std::optional<std::string> new_name;
@@ -56,7 +43,7 @@ Json described(const AlbumUserInfo& user) {
           {"number2", user.number2}};
 }
 
-int list_users(const ListArguments& arguments) {
+int list_users(const JsonArguments& arguments) {
   AlbumUserInfo* users = nullptr;
   // A server that never had users of the album has no file of them.
   if (GetAllAlbumUsers(&users) != 0 && NumOfAlbumUser() != 0) {

@@ -19,10 +19,6 @@ namespace {
 constexpr const char* kLink = "/etc/photo_album";
 constexpr TextRule kMusic{"the music", 255, "", false};
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<std::string> folder;
@@ -42,7 +38,7 @@ int read(PhotoAlbumConf& settings) {
       kFailed);
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   PhotoAlbumConf settings{};
   if (const int status = read(settings); status != kDone) return status;
   print_record({{"enabled", settings.enabled != 0},

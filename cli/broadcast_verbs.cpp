@@ -15,10 +15,6 @@ namespace {
 // The play method that the daemon knows by name; it mixes for all others.
 constexpr std::string_view kInOrder = "order";
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<std::string> name;
@@ -33,7 +29,7 @@ int read(BroadcastSettings& settings) {
                 kFailed);
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   BroadcastSettings settings{};
   if (const int status = read(settings); status != kDone) return status;
   print_record({{"enabled", settings.enabled != 0},

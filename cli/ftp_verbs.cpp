@@ -10,10 +10,6 @@
 namespace fileshare {
 namespace {
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<bool> anonymous;
@@ -43,7 +39,7 @@ int read(FtpSettings& settings) {
                                            kFailed);
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   FtpSettings settings{};
   if (const int status = read(settings); status != kDone) return status;
   print_record({{"enabled", settings.enabled != 0},

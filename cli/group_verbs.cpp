@@ -18,19 +18,6 @@ namespace {
 
 constexpr const char* kUnknownGroup = "there is no group of this name";
 
-struct ListArguments {
-  bool json = false;
-};
-
-struct ShowArguments {
-  std::string name;
-  bool json = false;
-};
-
-struct NameArguments {
-  std::string name;
-};
-
 struct RenameArguments {
   std::string name;
   std::string new_name;
@@ -106,7 +93,7 @@ Json described(const GroupItem& group) {
           {"read_only_shares", std::move(read_only)}};
 }
 
-int list_groups(const ListArguments& arguments) {
+int list_groups(const JsonArguments& arguments) {
   const AllGroups groups;
   if (groups.code() != FSH_OK) return report("list the groups", groups.code());
   Json list = Json::array();

@@ -17,10 +17,6 @@ namespace {
 
 constexpr const char* kSettings = "/etc/CGI_ds.conf";
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
 };
@@ -35,7 +31,7 @@ std::optional<std::string> setting(std::FILE* stream, const char* key) {
   return value.data();
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   const Stream stream(std::fopen(kSettings, "re"), std::fclose);
   const auto https = stream ? setting(stream.get(), "https") : std::nullopt;
   if (!https) {

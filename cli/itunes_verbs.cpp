@@ -12,10 +12,6 @@
 namespace fileshare {
 namespace {
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<std::string> name;
@@ -28,7 +24,7 @@ int read(ITunesSettings& settings) {
                 kFailed);
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   ITunesSettings settings{};
   if (const int status = read(settings); status != kDone) return status;
   print_record(

@@ -15,10 +15,6 @@
 namespace fileshare {
 namespace {
 
-struct ListArguments {
-  bool json = false;
-};
-
 struct ClearArguments {
   std::vector<std::string> names;
 };
@@ -38,7 +34,7 @@ std::string time_taken(const GuardedFile& file) {
   return text;
 }
 
-int list_locks(const ListArguments& arguments) {
+int list_locks(const JsonArguments& arguments) {
   Json locks = Json::array();
   for (const GuardedFile& file : guarded_files()) {
     if (!is_taken(file)) continue;

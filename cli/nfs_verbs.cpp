@@ -9,10 +9,6 @@
 namespace fileshare {
 namespace {
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::string state;
 };
@@ -35,7 +31,7 @@ int read_entries(Json& entries) {
   return kDone;
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   Json entries = Json::array();
   if (const int status = read_entries(entries); status != kDone) return status;
   Json shown{{"enabled", IsNFSEnabled() != 0}};

@@ -17,10 +17,6 @@ constexpr TextRule kWorkgroup{"a workgroup", 16, "", false};
 constexpr TextRule kWinsServer{"a WINS server", 16, "", false};
 constexpr TextRule kPrinter{"a printer", 20, "", false};
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<std::string> workgroup;
@@ -52,7 +48,7 @@ int report_saved(unsigned code) {
         "another process is at it, or the settings file can not be written"}});
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   SambaSettings settings{};
   if (const unsigned code = ReadSambaConf(&settings); code != FSH_OK) {
     return report_unreadable(code);

@@ -20,15 +20,6 @@ constexpr const char* kListHelp =
     "every "
     "share and is named with --json only.";
 
-struct ListArguments {
-  bool json = false;
-};
-
-struct ShowArguments {
-  std::string name;
-  bool json = false;
-};
-
 struct AddArguments {
   std::string name;
   std::string folder;
@@ -90,7 +81,7 @@ Json described(const ShareInfo& share, bool json) {
       {"comment", share.comment}, {"writers", std::move(writers)}, {"readers", std::move(readers)}};
 }
 
-int list_shares(const ListArguments& arguments) {
+int list_shares(const JsonArguments& arguments) {
   ShareInfo* shares = nullptr;
   if (const unsigned code = GetAllShare(&shares); code != FSH_OK) {
     return report("list the shares", code);

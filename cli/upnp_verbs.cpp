@@ -12,10 +12,6 @@
 namespace fileshare {
 namespace {
 
-struct ShowArguments {
-  bool json = false;
-};
-
 struct SetArguments {
   std::optional<bool> enabled;
   std::optional<std::string> name;
@@ -47,7 +43,7 @@ Json folders_of(const UPnPAVSettings& settings) {
   return folders;
 }
 
-int show(const ShowArguments& arguments) {
+int show(const JsonArguments& arguments) {
   UPnPAVSettings settings{};
   if (const int status = read(settings); status != kDone) return status;
   Json record = {{"enabled", settings.enabled != 0},

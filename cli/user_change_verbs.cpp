@@ -48,10 +48,6 @@ struct QuotaArguments {
   std::optional<std::uint32_t> quota;
 };
 
-struct NameArguments {
-  std::string name;
-};
-
 struct AllArguments {
   bool yes = false;
 };

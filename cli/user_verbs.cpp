@@ -17,19 +17,6 @@ namespace {
 
 constexpr const char* kQuotaHelp = "Quotas are in megabytes, 0 for none.";
 
-struct ListArguments {
-  bool json = false;
-};
-
-struct ShowArguments {
-  std::string name;
-  bool json = false;
-};
-
-struct NameArguments {
-  std::string name;
-};
-
 std::string operation_on(const char* verb, const std::string& name) {
   return std::string(verb) + " user " + in_quotes(name);
 }
@@ -57,7 +44,7 @@ void free_users(UserItem* users) {
   }
 }
 
-int list_users(const ListArguments& arguments) {
+int list_users(const JsonArguments& arguments) {
   UserItem* users = nullptr;
   const unsigned code = GetAllUser(&users);
   if (code != FSH_OK) {

@@ -45,7 +45,21 @@ class VerbWith final : public Verb {
   Action action_;
 };
 
+// What the arguments of many verbs are.
 struct NoArguments {};
+
+struct NameArguments {
+  std::string name;
+};
+
+struct JsonArguments {
+  bool json = false;
+};
+
+struct ShowArguments {
+  std::string name;
+  bool json = false;
+};
 
 // Adds a group that wants one of its verbs. The limit of one also keeps CLI11 from taking an
 // account called "list" for the verb.
