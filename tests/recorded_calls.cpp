@@ -25,6 +25,11 @@ void record(const std::string& line) {
 
 }  // namespace
 
+/* The programs that a program runs, daemons among them, do wait. */
+__attribute__((constructor)) static void spare_other_programs() {
+  (void)unsetenv("LD_PRELOAD");
+}
+
 void set_sleep_action(int nth, std::function<void()> action) {
   sleeps_left = nth;
   sleep_action = std::move(action);
