@@ -4,6 +4,8 @@ if(FILESHARING_SANITIZE)
   return()
 endif()
 
-add_test(NAME installed COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/installed/check
-  ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} ${PROJECT_VERSION})
-set_tests_properties(installed PROPERTIES TIMEOUT 120)
+foreach(shipped installed packages)
+  add_test(NAME ${shipped} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/${shipped}/check
+    ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} ${PROJECT_VERSION})
+  set_tests_properties(${shipped} PROPERTIES TIMEOUT 120)
+endforeach()
