@@ -88,13 +88,16 @@ TEST_F(FtpTest, FactoryFilesGetThePortsRatesAndSwitches) {
   EXPECT_EQ(in_process(ResetFTP), 0u);
   wait_for_background();
   EXPECT_EQ(changes(before), Strings({"~/etc/inetd.conf", "~/etc/services", "~/etc/vsftpd.conf"}));
-  EXPECT_EQ(read(kVsftpd),
-            "# FTP daemon, started by inetd\nlisten=NO\nanonymous_enable=YES\n"
-            "anon_root=/harddisk/volume_1/data/public\nlocal_enable=YES\nwrite_enable=YES\n"
-            "userlist_enable=YES\nuserlist_file=/etc/ftpusers\nchroot_local_user=YES\n"
-            "allow_writeable_chroot=YES\nlocal_umask=000\nssl_enable=YES\nlisten_port=2121\n"
-            "ftp_data_port=2020\nsecure_chroot_dir=/var/empty\nanon_max_rate=102400\n"
-            "local_max_rate=102400\n");
+  EXPECT_EQ(
+      read(kVsftpd),
+      "# FTP daemon, started by inetd\nlisten=NO\nanonymous_enable=YES\n"
+      "anon_root=/home/ftp\nftp_username=guest\nlocal_enable=YES\n"
+      "local_root=/harddisk/volume_1/data\nwrite_enable=YES\n"
+      "userlist_enable=YES\nuserlist_file=/etc/ftpusers\nchroot_local_user=YES\n"
+      "allow_writeable_chroot=YES\nlocal_umask=000\nssl_enable=YES\nrsa_cert_file=/etc/"
+      "stunnel.pem\n"
+      "listen_port=2121\nftp_data_port=2020\nsecure_chroot_dir=/var/empty\nanon_max_rate=102400\n"
+      "local_max_rate=102400\n");
   EXPECT_EQ(mode(kInetd), 0644u);
 }
 

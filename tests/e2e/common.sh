@@ -57,4 +57,4 @@ wait_until() {
   done
 }
 
-answers() { nc 127.0.0.1 "$1" -w 1; }
+answers() { nc 127.0.0.1 "$1" -e true; }
