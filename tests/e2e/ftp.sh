@@ -65,10 +65,7 @@ succeeds ftp $alice Music/song -T /tmp/song -w '%{time_total}' # the first 64 KB
 [ "$(sed 's/\..*//' /tmp/told)" -ge 1 ] || fail "200 KB took $(cat /tmp/told) s at 100 KB/s"
 
 step "Another port, where connections are encrypted"
-printf '[req]\ndistinguished_name = name\n[name]\n' >/tmp/openssl.cnf
-succeeds openssl req -x509 -newkey rsa:2048 -nodes -config /tmp/openssl.cnf -subj /CN=DiskServer \
-  -keyout /tmp/key -out /tmp/certificate
-cat /tmp/key /tmp/certificate >/etc/stunnel.pem
+make_certificate "$(sed -n s/^rsa_cert_file=//p /etc/vsftpd.conf)"
 succeeds fileshare ftp set --port 2121 --anonymous no --ssl yes --bandwidth 0
 apply
 port=2121
