@@ -78,7 +78,7 @@ FSH_API unsigned FSH_GetStrNoCase(const char* section, const char* key, char* ds
 FSH_API unsigned FSH_GetStrLen(const char* section, const char* key, FILE* stream);
 
 /* Deletes every line that begins with key and the character separator. Without such a line the file
- * is not touched. Sets SIGCHLD to its default action.
+ * is not touched. Sets SIGCHLD to its default action. Here and below the shell gets path as it is.
  * 0; FSH_ARGUMENT (20): key or path is missing or empty; FSH_NO_TEMPORARY (22);
  * FSH_CANNOT_OPEN (21); FSH_COPY_BACK_FAILED (-4). */
 FSH_API unsigned DelKeyItem(const char* key, const char* path, char separator);

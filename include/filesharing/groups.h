@@ -67,8 +67,9 @@ FSH_API unsigned SysRenGroupName(const char* old_name, const char* new_name);
  * (21); FSH_NO_TEMPORARY (22); FSH_NO_MEMORY (23); FSH_GROUP_NOT_DELETED (38): copied in vain. */
 FSH_API unsigned SysDelAllGroup(const char* const* kept, int count);
 
-/* Deletes every key from a file in the form of /etc/usrgrp.info; the names protect none. Results as
- * SysDelAllGroup, FSH_ARGUMENT (20): the array or the path is missing. */
+/* Deletes every key from a file in the form of /etc/usrgrp.info; the names protect none. The shell
+ * gets path as it is. Results as SysDelAllGroup, FSH_ARGUMENT (20): the array or path is missing.
+ */
 FSH_API unsigned DelAllGRP(const char* const* names, int count, const char* path);
 
 /* ---- Groups: queries; they take no lock ----------------------------------------------------- */
