@@ -7,7 +7,9 @@
  *
  * A plan is /run/stand_in/NAME, lines of "N ACTION VALUE": the N-th call since the plan was made
  * (0: every call) does no work but acts: "exit" with the status VALUE, "kill" itself with the
- * signal VALUE, or "hang".
+ * signal VALUE, or "hang". The plan "any" counts the calls of all programs. Its actions are those
+ * of a power cut: "off" kills the group of processes that the call belongs to, "cut" has a copy
+ * first write half of what it should.
  */
 #include <fcntl.h>
 #include <signal.h>
@@ -16,6 +18,7 @@
 #include <string.h>
 #include <sys/auxv.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 static const char* const kWorking[] = {"chmod", "chown", "cp", "mkdir", "rm"};
@@ -74,7 +77,23 @@ static long count_call(const char* name) {
   return number;
 }
 
-static void follow_plan(const char* name) {
+/* What a copy that is cut short leaves. A busybox that is told to copy less does the work. */
+static void copy_half(char** arguments) {
+  const char *from = NULL, *to = NULL;
+  for (; *arguments; ++arguments) from = to, to = *arguments;
+  struct stat whole;
+  char count[32];
+  if (stat(from, &whole) != 0) return;
+  snprintf(count, sizeof count, "%ld", (long)(whole.st_size / 2));
+  if (fork() == 0) {
+    if (!freopen(to, "w", stdout)) _exit(127);
+    execl("/bin/busybox", "head", "-c", count, from, (char*)NULL);
+    _exit(127);
+  }
+  wait(NULL);
+}
+
+static void follow_plan(const char* name, char** arguments) {
   char path[256];
   snprintf(path, sizeof path, "/run/stand_in/%s", name);
   FILE* plan = fopen(path, "re");
@@ -86,6 +105,8 @@ static void follow_plan(const char* name) {
     if (nth != 0 && nth != number) continue;
     if (strcmp(action, "exit") == 0) exit(value);
     if (strcmp(action, "kill") == 0) kill(getpid(), value);
+    if (strcmp(action, "cut") == 0) copy_half(arguments);
+    if (strcmp(action, "hang") != 0) kill(0, SIGKILL);
     for (;;) pause();
   }
   fclose(plan);
@@ -100,7 +121,8 @@ int main(int argc, char** argv) {
     works |= strcmp(name, kWorking[i]) == 0;
   }
   log_call(path, argv + 1, !works);
-  follow_plan(name);
+  follow_plan(name, argv);
+  follow_plan("any", argv);
   if (!works) return 0;
   argv[0] = (char*)name;
   execv("/bin/busybox", argv);

@@ -327,6 +327,10 @@ void DeviceTest::hang_command(const std::string& name, int nth) {
   something_hangs = true;
 }
 
+void DeviceTest::cut_power(int nth, bool half_copied) {
+  plan("any", nth, half_copied ? "cut" : "off", 0);
+}
+
 void DeviceTest::at_sleep(int nth, std::function<void()> action) {
   set_sleep_action(nth, std::move(action));
 }

@@ -83,6 +83,9 @@ class DeviceTest : public testing::Test {
   static void fail_command(const std::string& name, int nth, int status = 1);
   static void kill_command(const std::string& name, int nth, int signal);
   static void hang_command(const std::string& name, int nth);
+  /* The nth call of any program does no work, or as a copy half of it, and the group of processes
+   * that it belongs to dies. */
+  static void cut_power(int nth, bool half_copied);
   /* Runs `action` within the nth sleep from now on, in the process that sleeps. */
   static void at_sleep(int nth, std::function<void()> action);
 
