@@ -1,4 +1,6 @@
 // fileshare backup and restore: the copies that every change of the account files is undone from.
+#include "cli/backup_verbs.h"
+
 #include "cli/failure.h"
 #include "cli/guarded_files.h"
 #include "cli/verbs.h"
@@ -85,6 +87,10 @@ int restore(const CopyArguments& arguments) {
 }
 
 }  // namespace
+
+int restore_file(const GuardedFile& file) {
+  return copy_file({"restore", RestoreConFiles}, file);
+}
 
 void add_backup_verbs(CLI::App& app) {
   auto& backup = add_verb(app, "backup", "Copy the account files", back_up);

@@ -1,6 +1,5 @@
 // fileshare lock ...: lock files that a process left behind when it died.
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -18,11 +17,6 @@ namespace {
 struct ClearArguments {
   std::vector<std::string> names;
 };
-
-bool is_taken(const GuardedFile& file) {
-  struct stat status {};
-  return lstat(file.lock_path, &status) == 0;
-}
 
 std::string time_taken(const GuardedFile& file) {
   struct stat status {};
@@ -45,15 +39,6 @@ int list_locks(const JsonArguments& arguments) {
   }
   print_list(locks, {"lock", "file", "since", "guards"}, arguments.json);
   return kDone;
-}
-
-int clear_lock(const GuardedFile& file) {
-  // Unlock removes the locks of its mask without a result, so it is looked at again.
-  Unlock(file.bit);
-  if (file.bit == 0) (void)unlink(file.lock_path);
-  if (!is_taken(file)) return kDone;
-  return refuse("can not clear lock " + in_quotes(file.name) + ": " + file.lock_path + " stays",
-                kFailed);
 }
 
 int clear_locks(const ClearArguments& arguments) {

@@ -26,6 +26,7 @@ void add_all_verbs(CLI::App& app) {
   add_share_verbs(app);
   add_lock_verbs(app);
   add_backup_verbs(app);
+  add_recover_verb(app);
   add_samba_verbs(app);
   add_ftp_verbs(app);
   add_https_verbs(app);

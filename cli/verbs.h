@@ -79,6 +79,7 @@ void add_user_verbs(CLI::App& app);
 void add_group_verbs(CLI::App& app);
 void add_lock_verbs(CLI::App& app);
 void add_backup_verbs(CLI::App& app);
+void add_recover_verb(CLI::App& app);
 void add_samba_verbs(CLI::App& app);
 void add_ftp_verbs(CLI::App& app);
 void add_https_verbs(CLI::App& app);
