@@ -1,0 +1,202 @@
+// Changes that die at each of their steps, and what fileshare recover makes of that.
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdarg>
+#include <sstream>
+
+#include "filesharing/conf.h"
+#include "filesharing/shares.h"
+#include "filesharing/users.h"
+#include "tests/fileshare_run.h"
+#include "tests/share_records.h"
+
+namespace {
+
+// The library's own steps that no outside program does: the process dies before the nth.
+int steps_taken = 0;
+int last_step = 0;  // 0: it does not die
+
+void take_step() {
+  if (++steps_taken == last_step) (void)raise(SIGKILL);
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+int unlink(const char* path) noexcept {
+  take_step();
+  return static_cast<int>(syscall(SYS_unlinkat, AT_FDCWD, path, 0));
+}
+
+int rename(const char* from, const char* to) noexcept {
+  take_step();
+  return static_cast<int>(syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+int open(const char* path, int flags, ...) {
+  va_list rest;
+  va_start(rest, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+  va_end(rest);
+  if ((flags & O_EXCL) != 0) take_step();
+  return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+}
+}
+#pragma GCC visibility pop
+
+namespace {
+
+const std::string kConf = "/harddisk/volume_1/conf/";
+const Strings kAccounts = {kConf + "passwd", kConf + "group", kConf + "usrgrp.info",
+                           kConf + "smbpasswd", kConf + ".htpasswd"};
+
+unsigned add_user() {
+  UserInfo dave{"dave", "Dave Miller", "word-77", 250, 0};
+  return AddUser(&dave);
+}
+
+// A new name, and as admin's a new web password.
+unsigned update_user(const char* name, const char* new_name) {
+  UserInfo user{"", "Changed", "word-78", 125, 0};
+  (void)std::snprintf(user.name, sizeof user.name, "%s", new_name);
+  return UpdateUser(name, &user);
+}
+
+unsigned add_share() {
+  ShareInfo share = share_record("Photos", "Holidays", "/Photos", 1);
+  return AddShare(&share);
+}
+
+unsigned update_share(const char* new_name, const char* comment, const char* path) {
+  ShareInfo share = share_record(new_name, comment, path, 1);
+  return UpdateShare("Music", &share);
+}
+
+struct Change {
+  const char* name;
+  unsigned (*run)();
+  bool of_shares;
+};
+
+const Change kChanges[] = {
+    {"AddUser", add_user, false},
+    {"UpdateUser", [] { return update_user("bob", "rob"); }, false},
+    {"UpdateUserAdmin", [] { return update_user("admin", "admin"); }, false},
+    {"DelUser", [] { return DelUser("alice"); }, false},
+    {"AddShare", add_share, true},
+    {"UpdateShare", [] { return update_share("Music", "New", "/Sound"); }, true},
+    {"UpdateShareName", [] { return update_share("Sound", "Songs of the family", "/Music"); },
+     true},
+};
+
+// A renamed share may have moved to the end.
+std::string sorted_lines(const std::string& text) {
+  std::istringstream in(text);
+  Strings lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  std::sort(lines.begin(), lines.end());
+  std::string all;
+  for (const std::string& line : lines) all += line + '\n';
+  return all;
+}
+
+class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Change> {
+ protected:
+  static Strings state() {
+    Strings all;
+    if (!GetParam().of_shares) {
+      for (const std::string& path : kAccounts) all.push_back(read(path));
+      return all;
+    }
+    for (const char* path : kShareFiles) all.push_back(sorted_lines(read(path)));
+    for (const char* folder : {"Photos", "Sound"}) {
+      all.push_back(exists(std::string("/harddisk/volume_1/data/") + folder) ? folder : "");
+    }
+    return all;
+  }
+
+  // In a process of its own; whether it got to the end.
+  static bool run_to_its_end(int dying_step) {
+    const pid_t child = fork();
+    if (child == 0) {
+      (void)setpgid(0, 0);
+      steps_taken = 0;
+      last_step = dying_step;
+      const unsigned code = GetParam().run();
+      last_step = 0;
+      _exit(code == FSH_OK ? 0 : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0);
+    return !WIFSIGNALED(status);
+  }
+
+  static void expect_whole_copies(const std::string& cut) {
+    for (const auto& [path, before] : before_) {
+      const std::string copy = path + ".ttt";
+      if (copy == cut || !exists(copy)) continue;
+      EXPECT_EQ(read(copy), before.content) << path;
+    }
+  }
+
+  // As before the change or as after it, and open to the next one.
+  static void expect_recovered() {
+    const Outcome outcome = fileshare({"recover"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    for (const auto& [path, state] : snapshot()) EXPECT_FALSE(path.ends_with(".lck")) << path;
+    const Strings now = state();
+    if (now != done_) {
+      EXPECT_EQ(now, undone_) << outcome.out;
+      EXPECT_TRUE(run_to_its_end(0));
+      EXPECT_EQ(state(), done_);
+    }
+  }
+
+  static inline Snapshot before_;
+  static inline Strings undone_;
+  static inline Strings done_;
+};
+
+TEST_P(PowerCutTest, RecoversFromEachStep) {
+  before_ = snapshot();
+  undone_ = state();
+  ASSERT_TRUE(run_to_its_end(0));
+  done_ = state();
+  Strings commands = DeviceTest::commands();
+  std::erase_if(commands, [](const std::string& line) { return !line.starts_with("/"); });
+  const int count = static_cast<int>(commands.size());
+  for (int nth = 1; nth <= count; ++nth) {
+    for (const bool half : {false, true}) {
+      const std::string& command = commands[static_cast<std::size_t>(nth - 1)];
+      if (half && !command.starts_with("/bin/cp")) continue;
+      SCOPED_TRACE(std::to_string(nth) + (half ? " half " : " ") + command);
+      SetUp();
+      cut_power(nth, half);
+      EXPECT_FALSE(run_to_its_end(0));
+      const std::string target = command.substr(command.rfind('[') + 1);
+      expect_whole_copies(half ? target.substr(0, target.size() - 1) : "");
+      expect_recovered();
+      if (HasFailure()) return;
+    }
+  }
+  for (int step = 1;; ++step) {
+    SCOPED_TRACE("step " + std::to_string(step));
+    SetUp();
+    if (run_to_its_end(step)) break;
+    expect_whole_copies("");
+    expect_recovered();
+    if (HasFailure()) return;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Changes, PowerCutTest, testing::ValuesIn(kChanges),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+}  // namespace
