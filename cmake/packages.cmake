@@ -45,9 +45,9 @@ debian_package(tools fileshare admin
 libfilesharing on the command line."
   DEPENDS "libfilesharing0 ${same_version}" libfilesharing-platform)
 debian_package(adapters fileshare-adapters admin
-  "today's Samba and quota tools for libfilesharing
-Scripts that take the arguments of the older tools which the library calls."
-  RECOMMENDS quota samba)
-set(CPACK_DEBIAN_ADAPTERS_PACKAGE_ARCHITECTURE all)
+  "today's daemons and tools for libfilesharing
+What lets Samba, vsftpd and the quota tools of today stand where the library
+knows older ones."
+  RECOMMENDS quota samba vsftpd)
 
 include(CPack)
