@@ -96,8 +96,36 @@ access_taken_away() {
   if has_samba; then try_in_vain "smbclient -U erin%word-77 //127.0.0.1/Films -c ls"; fi
 }
 
+services() {
+  title "The services' settings are saved first; a service follows when they are applied"
+  try fileshare ftp set --anonymous yes --port 2121 --bandwidth 500
+  try "grep ^ftp /etc/CGI_ds.conf"
+  try fileshare ftp apply
+  try "grep -E '^anonymous|^listen_port|rate=' /etc/vsftpd.conf"
+  try "grep ftp /etc/services /etc/inetd.conf"
+  title "HTTPS: a tunnel to the port of the management pages"
+  try fileshare https set --enabled yes
+  try fileshare https show
+}
+
+media_and_album() {
+  title "The share for iTunes: its folder goes into the server's own file"
+  try fileshare itunes set --folder /Films --name Films
+  try fileshare itunes apply
+  try "grep -E '^(mp3_dir|servername)' /etc/mt-daapd.conf"
+  title "And as a photo album, with a user of its own who sees one folder"
+  try fileshare album set --enabled yes --folder /Films
+  try fileshare album apply
+  try mkdir /harddisk/volume_1/data/Films/holiday
+  try fileshare album user add grandma --text1 "'Grandma Miller'"
+  try fileshare album folder add grandma holiday
+  try "sed -n '/grandma/,\$p' /etc/album_user.conf"
+}
+
 users
 life_of_a_user
 shares
 samba_serves
 access_taken_away
+services
+media_and_album
