@@ -232,4 +232,24 @@ TEST_F(FileshareTest, ARefusedBackupOrRestoreReleasesItsOwnLocksAlone) {
       {{{"backup", "grp"}, 1, "can not back up file \"grp\": no volume carries the acc"}});
 }
 
+// Copies of a change that was done are older than what others did since.
+TEST_F(FileshareTest, RecoversNothingFromLocksWithoutADeadChange) {
+  const std::string none = "no lock is taken: no change was interrupted\n";
+  expect({"recover"}, none);
+  expect({"backup"});
+  expect({"group", "add", "chess"});
+  const Snapshot before = snapshot();
+  write("/tmp/pass.lck", "");  // as a refused change leaves them
+  write("/tmp/grp.lck", "");
+  write("/tmp/user.lck", "");
+  write("/tmp/share.lck", "");
+  write("/tmp/album.lck", "");
+  expect({"recover"},
+         "cleared lock \"pass\"\ncleared lock \"grp\"\ncleared lock \"user\"\n"
+         "cleared lock \"share\"\ncleared lock \"album\"\n");
+  EXPECT_EQ(changes(before), Strings());
+  expect({"recover", "--shares"});
+  EXPECT_EQ(changes(before), Strings());
+}
+
 }  // namespace
