@@ -198,7 +198,8 @@ class FaultTable : public DeviceTest {
     const auto code = codes_.find(aftermath.code);
     const bool named = operation.counts || code != codes_.end();
     if (!named) unnamed_.push_back(steps_[step] + ": " + std::to_string(aftermath.code));
-    const std::string result = code == codes_.end() ? std::to_string(aftermath.code) : code->second;
+    const std::string result =
+        operation.counts || !named ? std::to_string(aftermath.code) : code->second;
     const std::string change =
         step == 0 ? changed_at_all() : changed(states_of(aftermath.after), steps_[step]);
     for (Row& row : rows_) {

@@ -239,6 +239,8 @@ void flash_share() {
   flash_disk();
   put("/etc/win_share.info", "FLASH_1_1=0:3:USB:/FLASH_1_1/:everyone:7\n");
   put("/etc/samba/user_smb.conf", "[FLASH_1_1]\npath=/harddisk/volume_3/data/FLASH_1_1/\n");
+  put("/etc/netatalk/AppleVolumes.conf",
+      "\"/harddisk/volume_3/data/FLASH_1_1/\" \"[FLASH_1_1]\"  rwlist:@everyone allow:@everyone\n");
 }
 
 void backups() {
@@ -259,9 +261,9 @@ void media_files() {
 void pictures() {
   set({"album_enable=yes"});
   put("/harddisk/volume_1/data/public/holiday/a.jpg", "a");
-  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/a.jpg", "a");
-  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/b.jpg", "b");
-  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/b.jpg.txt", "b");
+  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/Thumbnail_a.jpg", "a");
+  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/Thumbnail_b.jpg", "b");
+  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/Description_b.jpg", "b");
 }
 
 const Texts kDave{"dave", "Dave Miller", "word-77"};
@@ -413,7 +415,7 @@ const std::vector<Operation> kShares{
     {"SetSmbShare", kFilms, CALL(SetSmbShare(share(a), 1))},
     {"ShareExist", {"Music"}, CALL(ShareExist(a[0]))},
     {"ShareStringPar", {"0:1:Songs:/Music/:staff:7"}, CALL(parsed_share(a[0]))},
-    {"UpdateNFSConf", {}, CALL(UpdateNFSConf(nullptr))},
+    {"UpdateNFSConf", {}, CALL(UpdateNFSConf(nullptr)), [] { put("/etc/exports", "/old\n"); }},
     {"UpdateNFSShare", {}, CALL(UpdateNFSShare())},
     {"UpdateShare", {"Films", "", "/Films/", "", "Music"}, CALL(UpdateShare(a[4], share(a)))},
     {"WriteAFPShare", kFilms, CALL(WriteAFPShare(share(a)))},
@@ -436,12 +438,17 @@ const std::vector<Operation> kServices{
     {"ReadAFPConf", {}, CALL(ReadAFPConf(cleared<AfpSettings>()))},
     {"ReadFTPConf", {}, CALL(ReadFTPConf(cleared<FtpSettings>()))},
     {"ReadSambaConf", {}, CALL(ReadSambaConf(cleared<SambaSettings>()))},
-    {"ResetAFP", {}, CALL(ResetAFP())},
+    {"ResetAFP", {}, CALL(ResetAFP()), [] { set({"apple_name=Mac"}); }},
     {"ResetFTP", {}, CALL(ResetFTP())},
     {"ResetGuest", {}, CALL(ResetGuest())},
-    {"ResetHttps", {}, CALL(ResetHttps()), [] { set({"https=yes"}); }},
+    {"ResetHttps",
+     {},
+     CALL(ResetHttps()),
+     [] {
+       set({"https=yes", "port=8080"});
+     }},
     {"ResetPrinter", {}, CALL(ResetPrinter())},
-    {"ResetmDNSConf", {}, CALL(ResetmDNSConf())},
+    {"ResetmDNSConf", {}, CALL(ResetmDNSConf()), [] { set({"port=8080"}); }},
     {"SaveAFPConf", kAfp, CALL(SaveAFPConf(afp(a)))},
     {"SaveFTPConf", {}, CALL(SaveFTPConf(cleared<FtpSettings>()))},
     {"SaveSambaConf", kSamba, CALL(SaveSambaConf(samba(a)))},
@@ -497,7 +504,7 @@ const std::vector<Operation> kAlbum{
      [] {},
      {},
      true},
-    {"SavePhotoAlbumConf", {"/DISK 1", ""}, CALL(SavePhotoAlbumConf(album(a)))},
+    {"SavePhotoAlbumConf", {"/Music", "/Music/a.mp3"}, CALL(SavePhotoAlbumConf(album(a)))},
     {"UpdateAlbumUser",
      {"eve", "Eve", "rose", "alice"},
      CALL(UpdateAlbumUser(a[3], album_user(a)))},
