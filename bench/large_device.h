@@ -1,33 +1,31 @@
-// A device with many users, groups or shares, as long as the object lives: the files that it
-// rewrites are put back afterwards. Ends the program outside a device.
+// A device with many users, groups and shares. Programs that use it run inside a device only: they
+// rewrite files of /etc.
 #ifndef BENCH_LARGE_DEVICE_H
 #define BENCH_LARGE_DEVICE_H
 
 #include <map>
 #include <string>
 
+struct DeviceSize {
+  int users = 0;   // user1, user2, ..., each in "everyone" and in three of the groups
+  int groups = 0;  // group1, group2, ...
+  int shares = 0;  // share1, share2, ..., each with three of the groups; the last one is public
+};
+
 class LargeDevice {
  public:
-  LargeDevice();
-  ~LargeDevice();
-  LargeDevice(const LargeDevice&) = delete;
-  LargeDevice& operator=(const LargeDevice&) = delete;
+  // Ends the program outside a device.
+  explicit LargeDevice(const DeviceSize& size);
 
-  // Users user1, user2, ... in /etc/passwd and in the list of "everyone".
-  void add_users(int count);
-  // Groups group1, group2, ... with three members each.
-  void add_groups(int count);
-  // Shares share1, share2, ... in the registry and in smb.conf.
-  void add_shares(int count);
-
-  // Puts the files back that add_ functions have written, as these left them.
-  void renew() const;
+  // Writes the files of this device, whatever they hold now.
+  void set_up() const;
 
  private:
-  void append(const std::string& path, const std::string& text);
+  void make_accounts(const DeviceSize& size);
+  void make_groups(const DeviceSize& size);
+  void make_shares(const DeviceSize& size);
 
-  std::map<std::string, std::string> factory_;
-  std::map<std::string, std::string> large_;
+  std::map<std::string, std::string> files_;
 };
 
 #endif
