@@ -1,5 +1,7 @@
 #include "conf/line_reader.h"
 
+#include <new>
+
 namespace filesharing {
 
 bool PieceReader::next() {
@@ -24,6 +26,15 @@ void PieceReader::skip_rest_of_line() {
     const int character = std::getc(stream_);
     at_line_start_ = character == '\n' || character == EOF;
   }
+}
+
+bool LineReader::next() {
+  const ssize_t length = getline(&buffer_, &size_, stream_);
+  length_ = length < 0 ? 0 : static_cast<std::size_t>(length);
+  if (length < 0 && std::feof(stream_) == 0 && std::ferror(stream_) == 0) {
+    throw std::bad_alloc();  // the only other reason
+  }
+  return length >= 0;
 }
 
 }  // namespace filesharing

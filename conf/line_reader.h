@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -33,10 +34,27 @@ class PieceReader {
   bool at_line_start_ = true;
 };
 
-// Whole lines of any length, each with its line feed if it has one.
-class LineReader : public PieceReader {
+// Whole lines of any length, each with its line feed if it has one; zero bytes too. Throws
+// std::bad_alloc.
+class LineReader {
  public:
-  explicit LineReader(std::FILE* stream) : PieceReader(stream, std::string::npos) {}
+  explicit LineReader(std::FILE* stream) : stream_(stream) {}
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+  ~LineReader() { std::free(buffer_); }
+
+  // Reads the next line. False at the end of the file.
+  bool next();
+
+  // The line, until the next one is read.
+  std::string_view text() const { return {buffer_, length_}; }
+  bool ends_line() const { return text().ends_with('\n'); }
+
+ private:
+  std::FILE* stream_;
+  char* buffer_ = nullptr;
+  std::size_t size_ = 0;  // of the buffer
+  std::size_t length_ = 0;
 };
 
 }  // namespace filesharing

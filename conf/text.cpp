@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -49,7 +50,17 @@ bool is_blank_line(std::string_view line) {
 }
 
 std::int64_t to_long(std::string_view text) {
-  return std::strtoll(std::string(text).c_str(), nullptr, 10);
+  using Limits = std::numeric_limits<std::int64_t>;
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+') && !text.starts_with("+-")) {
+    text.remove_prefix(1);
+  }
+  std::int64_t number = 0;
+  if (std::from_chars(text.data(), text.data() + text.size(), number).ec ==
+      std::errc::result_out_of_range) {
+    return text.front() == '-' ? Limits::min() : Limits::max();
+  }
+  return number;
 }
 
 std::int32_t to_int(std::string_view text) {

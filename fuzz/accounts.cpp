@@ -15,9 +15,9 @@ void parse(const std::string& line) {
   const GroupLine group = parse_group_line(line);
   fuzz::require(std::string(group.name).append(group.rest) == line);
   fuzz::require(!group.has_members_field || group.gid);
-  const auto account = parse_account_id(line);
-  fuzz::require(account.has_value() == group.has_members_field);
-  fuzz::require(!account || account->uid == group.gid);
+  const auto uid = parse_uid(split_at(line, ':').tail);
+  fuzz::require(uid.has_value() == group.has_members_field);
+  fuzz::require(!uid || uid == group.gid);
 }
 
 // Taking entries out makes no line longer, but for the line feed that it may get.

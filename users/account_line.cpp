@@ -11,14 +11,10 @@ constexpr int kUsersGid = 501;
 
 }  // namespace
 
-std::optional<AccountId> parse_account_id(std::string_view line) {
-  const Halves name = split_at(line, ':');
-  const Halves hash = split_at(name.tail, ':');
+std::optional<std::int32_t> parse_uid(std::string_view behind_name) {
+  const Halves hash = split_at(behind_name, ':');
   const Halves uid = split_at(hash.tail, ':');
-  if (!name.found || !hash.found || !uid.found) {
-    return std::nullopt;
-  }
-  return AccountId{.name = name.head, .uid = to_int(uid.head)};
+  return hash.found && uid.found ? std::optional(to_int(uid.head)) : std::nullopt;
 }
 
 bool is_listed_uid(std::int32_t uid) {

@@ -14,13 +14,9 @@ namespace filesharing {
 constexpr std::size_t kMostUserNameCharacters = 20;
 constexpr std::int32_t kFirstUserUid = 2000;
 
-struct AccountId {
-  std::string_view name;
-  std::int32_t uid;
-};
-
-// The name and id of a line; nothing when it lacks one of its first three colons.
-std::optional<AccountId> parse_account_id(std::string_view line);
+// The id in what stands behind the name and its colon; nothing when a colon is missing there: the
+// one behind the hash, or the one behind the id.
+std::optional<std::int32_t> parse_uid(std::string_view behind_name);
 
 // Whether an account of this id is a user of the server, and not one of the system's own.
 bool is_listed_uid(std::int32_t uid);

@@ -31,12 +31,12 @@ Result read_user_names(UserNameItem** head) {
     if (name.head.size() > kMostUserNameCharacters) {
       continue;
     }
-    const auto account = parse_account_id(line.text());
-    if (!account) {
+    const auto uid = parse_uid(name.tail);
+    if (!uid) {
       return FSH_MALFORMED;
     }
-    if (is_listed_uid(account->uid)) {
-      copy_field(names.append().name, account->name);
+    if (is_listed_uid(*uid)) {
+      copy_field(names.append().name, name.head);
     }
   }
   *head = names.release();
