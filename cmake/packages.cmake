@@ -3,10 +3,22 @@ set(CPACK_PACKAGE_NAME libfilesharing)
 set(CPACK_PACKAGE_CONTACT "The developers of libfilesharing <developers@libfilesharing.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library platform development tools adapters)
+set(CPACK_COMPONENTS_ALL library platform development adapters)
+if(FILESHARING_TOOLS)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+
+# cpack would take the architecture of the machine that it runs on, and so does what it asks for
+# dependencies: DEB_HOST_ARCH=armhf cpack ...
+if(CMAKE_CROSSCOMPILING)
+  execute_process(COMMAND ${CMAKE_C_COMPILER} -dumpmachine
+    OUTPUT_VARIABLE triplet OUTPUT_STRIP_TRAILING_WHITESPACE)
+  execute_process(COMMAND dpkg-architecture -f -t ${triplet} -q DEB_HOST_ARCH
+    OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE)
+endif()
 
 # What else a package needs is looked up from what its programs are linked with, besides our own
 # libraries, which are in no package yet.
