@@ -5,15 +5,21 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdarg>
+#include <filesystem>
 #include <sstream>
 
 #include "filesharing/conf.h"
+#include "filesharing/groups.h"
 #include "filesharing/shares.h"
 #include "filesharing/users.h"
+#include "tests/account_commands.h"
 #include "tests/fileshare_run.h"
 #include "tests/share_records.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -55,6 +61,8 @@ namespace {
 const std::string kConf = "/harddisk/volume_1/conf/";
 const Strings kAccounts = {kConf + "passwd", kConf + "group", kConf + "usrgrp.info",
                            kConf + "smbpasswd", kConf + ".htpasswd"};
+const Strings kCopied = joined({kAccounts, {kOnVolume, kSmb}});
+constexpr char kOld[] = "of a change long ago\n";
 
 unsigned add_user() {
   UserInfo dave{"dave", "Dave Miller", "word-77", 250, 0};
@@ -91,6 +99,13 @@ const Change kChanges[] = {
     {"DelUser", [] { return DelUser("alice"); }, false},
     {"AddShare", add_share, true},
     {"UpdateShare", [] { return update_share("Music", "New", "/Sound"); }, true},
+    {"DelShare", [] { return DelShare("Music"); }, true},
+    {"AddUsersToGroup",
+     [] {
+       const char* const users[] = {"bob"};
+       return AddUsersToGroup("family", users, 1);
+     },
+     false},
     {"UpdateShareName", [] { return update_share("Sound", "Songs of the family", "/Music"); },
      true},
 };
@@ -138,11 +153,27 @@ class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Cha
     return !WIFSIGNALED(status);
   }
 
+  // A device whose copies are of an hour ago, when the files were others.
+  void start() {
+    SetUp();
+    for (const std::string& path : kCopied) {
+      write(path + ".ttt", kOld);
+      fs::last_write_time(path + ".ttt", fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+  }
+
+  // The change, without power from the nth command on.
+  void die_at(int nth, bool half) {
+    start();
+    cut_power(nth, half);
+    EXPECT_FALSE(run_to_its_end(0));
+  }
+
   static void expect_whole_copies(const std::string& cut) {
-    for (const auto& [path, before] : before_) {
-      const std::string copy = path + ".ttt";
-      if (copy == cut || !exists(copy)) continue;
-      EXPECT_EQ(read(copy), before.content) << path;
+    for (const std::string& path : kCopied) {
+      const std::string copy = read(path + ".ttt");
+      if (path + ".ttt" == cut || copy == kOld) continue;
+      EXPECT_EQ(copy, before_.at(path).content) << path;
     }
   }
 
@@ -171,16 +202,17 @@ TEST_P(PowerCutTest, RecoversFromEachStep) {
   done_ = state();
   Strings commands = DeviceTest::commands();
   std::erase_if(commands, [](const std::string& line) { return !line.starts_with("/"); });
-  const int count = static_cast<int>(commands.size());
-  for (int nth = 1; nth <= count; ++nth) {
-    for (const bool half : {false, true}) {
-      const std::string& command = commands[static_cast<std::size_t>(nth - 1)];
-      if (half && !command.starts_with("/bin/cp")) continue;
+  int last_copy = 0;
+  for (int nth = 1; nth <= static_cast<int>(commands.size()); ++nth) {
+    const std::string& command = commands[static_cast<std::size_t>(nth - 1)];
+    // The second of two copies leaves nothing that the first or the next command does not.
+    if (nth > 1 && command == commands[static_cast<std::size_t>(nth - 2)]) continue;
+    const std::string target = command.substr(command.rfind('[') + 1);
+    const bool copies = command.starts_with("/bin/cp");
+    if (copies) last_copy = nth;
+    for (const bool half : copies ? std::vector{false, true} : std::vector{false}) {
       SCOPED_TRACE(std::to_string(nth) + (half ? " half " : " ") + command);
-      SetUp();
-      cut_power(nth, half);
-      EXPECT_FALSE(run_to_its_end(0));
-      const std::string target = command.substr(command.rfind('[') + 1);
+      die_at(nth, half);
       expect_whole_copies(half ? target.substr(0, target.size() - 1) : "");
       expect_recovered();
       if (HasFailure()) return;
@@ -188,9 +220,20 @@ TEST_P(PowerCutTest, RecoversFromEachStep) {
   }
   for (int step = 1;; ++step) {
     SCOPED_TRACE("step " + std::to_string(step));
-    SetUp();
+    start();
     if (run_to_its_end(step)) break;
     expect_whole_copies("");
+    expect_recovered();
+    if (HasFailure()) return;
+  }
+  // The recovery dies too.
+  constexpr int kKilled = 128 + SIGKILL;
+  for (int nth = 1, status = kKilled; status == kKilled; ++nth) {
+    SCOPED_TRACE("recovery " + std::to_string(nth));
+    die_at(last_copy, true);
+    cut_power(nth, true);
+    status = run({"setsid", "fileshare", "recover"}).status;
+    fs::remove("/run/stand_in/any");
     expect_recovered();
     if (HasFailure()) return;
   }
