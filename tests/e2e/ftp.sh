@@ -11,7 +11,7 @@ bob=bob:correcthorsebattery
 ftp() {
   user=$1 path=$2
   shift 2
-  curl -sS -m 10 -k -u "$user" "$@" "ftp://127.0.0.1:$port/$path"
+  curl -sS -m 30 -k -u "$user" "$@" "ftp://127.0.0.1:$port/$path"
 }
 
 newline='

@@ -4,7 +4,7 @@ needs /usr/sbin/stunnel /usr/bin/curl /usr/bin/openssl
 
 # Only a server that has the certificate's key gets the page.
 page() {
-  curl -sS -m 5 --cacert /tmp/certificate --resolve DiskServer:443:127.0.0.1 https://DiskServer/ |
+  curl -sS -m 30 --cacert /tmp/certificate --resolve DiskServer:443:127.0.0.1 https://DiskServer/ |
     grep -xF "$1"
 }
 
@@ -33,7 +33,7 @@ succeeds fileshare https set --enabled no
 apply
 wait_until is_closed
 wait_until is_gone
-succeeds curl -sS -m 5 http://127.0.0.1/
+succeeds curl -sS -m 30 http://127.0.0.1/
 
 step "The pages move to another port, and HTTPS with them"
 sed -i 's/^port=80$/port=8080/' /etc/CGI_ds.conf
