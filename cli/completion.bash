@@ -66,10 +66,17 @@ _fileshare() {
     values=$(_fileshare_values "$help" "$(_fileshare_metavar "$help" $number)" "${path[@]}")
   fi
 
-  # Not with compgen, which would run what a name holds.
+  # Not with compgen, which would run what a name holds. Within quotes, only names that need no
+  # others.
   COMPREPLY=()
+  local quote=
+  case ${COMP_WORDS[COMP_CWORD]} in [\"\']*) quote=open current=${current#[\"\']} ;; esac
   while IFS= read -r word; do
     printf -v quoted %q "$word"
+    if [[ -n $quote ]]; then
+      if [[ $word == *[\"\'\$\`\\!]* ]]; then continue; fi
+      quoted=$word
+    fi
     if [[ -n $word && ($word == "$current"* || $quoted == "$current"*) ]]; then
       COMPREPLY+=("$quoted")
     fi
