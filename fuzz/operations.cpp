@@ -3,7 +3,7 @@
 //   NAME|ARGUMENT|ARGUMENT...
 //
 // then the files that are not as the factory made them (see changed_files.h). The call "fail|N|S"
-// lets the Nth command from then on fail with status S.
+// lets the Nth command from then on fail with status S; behind "child" what works detached is done.
 #include "conf/text.h"
 #include "fuzz/arguments.h"
 #include "fuzz/changed_files.h"
@@ -28,9 +28,14 @@ void run(std::string_view line) {
   if (name == "fail") {
     const int nth = arguments.number();
     fuzz::Outside::fail_command(nth, arguments.number());
+  } else if (name == "child") {
+    fuzz::Outside::fork_to_child();
   } else if (const fuzz::Operation* const operation = find(name)) {
     const fuzz::Leftovers leftovers(operation->leaves);
-    operation->call(arguments);
+    try {
+      operation->call(arguments);
+    } catch (const fuzz::ProcessEnded&) {
+    }
   }
 }
 

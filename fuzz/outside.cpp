@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -22,6 +23,8 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(
 namespace {
 
 thread_local bool replaced = false;
+bool in_child = false;
+int next_closed = -1;  // of the descriptors that a detached process closes, which are ours here
 int commands_left = 0;
 int failed_status = 0;
 std::map<std::string, std::string*, std::less<>> served;
@@ -98,16 +101,22 @@ Outside::Outside() {
                              __sanitizer_install_malloc_and_free_hooks(note_malloc, note_free) != 0;
   static_cast<void>(hooked);
   commands_left = 0;
+  in_child = false;
   replaced = true;
 }
 
 Outside::~Outside() {
   replaced = false;
   served.clear();
+  static_cast<void>(umask(022));
 }
 
 void Outside::serve(const char* path, std::string& text) {
   served[path] = &text;
+}
+
+void Outside::fork_to_child() {
+  in_child = true;
 }
 
 void Outside::fail_command(int nth, int status) {
@@ -148,10 +157,36 @@ int system(const char* command) {
   return run(command);
 }
 
-// As if in the parent: detached work is left out.
 pid_t fork() {
   static const auto real_fork = real<pid_t()>("fork");
-  return replaced ? 4711 : real_fork();
+  if (!replaced) return real_fork();
+  return in_child ? 0 : 4711;
+}
+
+pid_t setsid() {
+  next_closed = 0;
+  return 4711;
+}
+
+int close(int descriptor) {
+  static const auto real_close = real<int(int)>("close");
+  if (replaced && descriptor == next_closed) {
+    ++next_closed;
+    return 0;
+  }
+  next_closed = -1;
+  return real_close(descriptor);
+}
+
+void _exit(int status) {
+  static const auto real_exit = real<void(int)>("_exit");
+  if (replaced) throw fuzz::ProcessEnded();
+  real_exit(status);
+  std::abort();
+}
+
+int execl(const char* /*path*/, const char* /*name*/, ...) {
+  return -1;
 }
 
 int kill(pid_t process, int number) {

@@ -11,6 +11,8 @@
 
 namespace fuzz {
 
+struct ProcessEnded {};
+
 class Outside {
  public:
   Outside();
@@ -20,6 +22,10 @@ class Outside {
 
   // Opening the path for reading gives this text from now on; it stays the caller's.
   static void serve(const char* path, std::string& text);
+
+  // From now on fork gives the side of the child: what works detached is done in this process,
+  // until ProcessEnded is thrown where the child would end. Otherwise it is left out.
+  static void fork_to_child();
 
   // The nth command from now on ends with this status of system(3) and does nothing.
   static void fail_command(int nth, int status);

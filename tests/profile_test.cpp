@@ -260,7 +260,7 @@ TEST_F(ProfileTest, AFullOrReadOnlyVolumeKeepsTheOldFile) {
   EXPECT_EQ(changes(before), Strings());
   EXPECT_EQ(PRO_SetStr("a", "k", "1", path.c_str()), 0) << "the failed attempt's room is free";
 
-  ASSERT_EQ(mount(nullptr, volume.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+  ASSERT_EQ(mount("", volume.c_str(), "", MS_REMOUNT | MS_RDONLY, ""), 0);
   EXPECT_EQ(set_new(path), -1);
   EXPECT_EQ(PRO_DelSect("b", path.c_str()), 0) << "nothing to write";
   EXPECT_EQ(read(path), "k=old\n[a]\nk=1\n");
