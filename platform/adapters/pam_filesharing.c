@@ -1,8 +1,8 @@
 /* A module of PAM for the daemons of today: checks a password as those of the device do. Characters
  * 1 to 8 give the hash in field 2 of /etc/passwd, characters 9 to 15 the one in field 6; where that
- * holds none, the first 8 characters are all that counts. pam_unix would let in whoever knows these
- * of a longer password. (A module that runs a program is of no use: vsftpd takes the end of any
- * child for the end of its own.)
+ * holds none or a real home folder, the first 8 characters are all that counts. pam_unix would let
+ * in whoever knows these of a longer password. (A module that runs a program is of no use: vsftpd
+ * takes the end of any child for the end of its own.)
  *
  *   auth required /usr/libexec/filesharing/pam_filesharing.so
  */
@@ -16,32 +16,32 @@
 #include "platform/api.h"
 
 enum { kHalf = 8, kMostCharacters = 15 };
+static const char kRealHome[] = "/home/user";
 
 /* A hash that begins with a star is no hash but crypt's way to refuse a salt. */
-static int is_hash_of(const char* hash, const char* password, size_t from, size_t to) {
-  char half[kHalf + 1] = "";
-  const size_t length = strlen(password);
-  if (length > from) memcpy(half, password + from, (length < to ? length : to) - from);
+static int is_hash_of(const char* hash, const char* text, size_t most_characters) {
+  char* half = strndup(text, most_characters);
   struct crypt_data* data = calloc(1, sizeof *data);
-  const char* given = data == NULL ? NULL : crypt_r(half, hash, data);
+  const char* given = half == NULL || data == NULL ? NULL : crypt_r(half, hash, data);
   const int matches = given != NULL && *given != '*' && strcmp(given, hash) == 0;
   free(data);
+  free(half);
   return matches;
 }
 
 static int is_password_of(const struct passwd* account, const char* password) {
   const char* second = account->pw_dir;
-  const int is_long = *second != '\0' && *second != '/';
-  return is_hash_of(account->pw_passwd, password, 0, kHalf) &&
-         (!is_long || is_hash_of(second, password, kHalf, kMostCharacters));
+  const int has_second = *second != '\0' && strncmp(second, kRealHome, sizeof kRealHome - 1) != 0;
+  const char* rest = password + strnlen(password, kHalf);
+  return is_hash_of(account->pw_passwd, password, kHalf) &&
+         (!has_second || is_hash_of(second, rest, kMostCharacters - kHalf));
 }
 
-PLATFORM_API int pam_sm_authenticate(pam_handle_t* handle, int flags, int count,
-                                     const char** arguments) {
-  (void)flags, (void)count, (void)arguments;
+PLATFORM_API int pam_sm_authenticate(pam_handle_t* pamh, int flags, int argc, const char** argv) {
+  (void)flags, (void)argc, (void)argv;
   const char *user = NULL, *password = NULL;
-  if (pam_get_user(handle, &user, NULL) != PAM_SUCCESS ||
-      pam_get_authtok(handle, PAM_AUTHTOK, &password, NULL) != PAM_SUCCESS) {
+  if (pam_get_user(pamh, &user, NULL) != PAM_SUCCESS ||
+      pam_get_authtok(pamh, PAM_AUTHTOK, &password, NULL) != PAM_SUCCESS) {
     return PAM_AUTH_ERR;
   }
   char text[4096];
@@ -53,8 +53,7 @@ PLATFORM_API int pam_sm_authenticate(pam_handle_t* handle, int flags, int count,
 }
 
 /* Nothing to set up for a user whose password was right. */
-PLATFORM_API int pam_sm_setcred(pam_handle_t* handle, int flags, int count,
-                                const char** arguments) {
-  (void)handle, (void)flags, (void)count, (void)arguments;
+PLATFORM_API int pam_sm_setcred(pam_handle_t* pamh, int flags, int argc, const char** argv) {
+  (void)pamh, (void)flags, (void)argc, (void)argv;
   return PAM_SUCCESS;
 }
