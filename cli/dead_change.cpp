@@ -72,6 +72,12 @@ bool has_written(const std::vector<Traces>& files) {
   });
 }
 
+int copied_of(const std::vector<Traces>& files) {
+  int mask = 0;
+  for (const Traces& file : files) mask |= file.copied ? file.bit : 0;
+  return mask;
+}
+
 // The locks of a group change are also what is left of a user change that has given its first lock
 // back. That one took the lock of Samba's passwords too, before its copies.
 bool is_end_of_user_change(const std::vector<Traces>& all) {
@@ -84,18 +90,18 @@ bool is_end_of_user_change(const std::vector<Traces>& all) {
 
 }  // namespace
 
-std::vector<int> half_done_changes() {
+int half_done_files() {
   const std::vector<Traces> all = all_traces();
-  std::vector<int> found;
-  int taken = 0;
+  int half_done = 0;
+  int seen = 0;
   for (const int change : kChanges) {
     const std::vector<Traces> files = of_change(all, change);
-    if ((change & taken) != 0 || !holds_and_has_copied(files)) continue;
+    if ((change & seen) != 0 || !holds_and_has_copied(files)) continue;
     if (change == kGroupChange && is_end_of_user_change(all)) continue;
-    taken |= change;
-    if (has_written(files)) found.push_back(change);
+    seen |= change;
+    if (has_written(files)) half_done |= copied_of(files);
   }
-  return found;
+  return half_done;
 }
 
 }  // namespace fileshare

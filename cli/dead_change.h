@@ -2,14 +2,12 @@
 #ifndef FILESHARE_DEAD_CHANGE_H
 #define FILESHARE_DEAD_CHANGE_H
 
-#include <vector>
-
 namespace fileshare {
 
-// The masks of FshFile of the changes that died while they wrote, so that their files are to be
-// restored. A change that died earlier has written nothing, one that died later is done; neither
-// is listed, since its copies would undo what is whole.
-std::vector<int> half_done_changes();
+// The files (of FshFile) of the changes that died while they wrote, which are to be restored. A
+// change that died earlier has written nothing, one that died later is done; their files are not
+// among them, since older copies would undo what is whole.
+int half_done_files();
 
 }  // namespace fileshare
 

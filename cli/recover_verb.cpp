@@ -44,17 +44,17 @@ int refuse_beside_others() {
 }
 
 int restore_half_done() {
+  const int files = half_done_files();
   int status = kDone;
-  for (const int change : half_done_changes()) {
-    for (const GuardedFile& file : guarded_files()) {
-      if ((file.bit & change) == 0) continue;
-      if (restore_file(file) == kDone) {
-        std::cout << "restored file " << in_quotes(file.name) << '\n';
-      } else {
-        status = kFailed;
-      }
+  for (const GuardedFile& file : guarded_files()) {
+    if ((file.bit & files) == 0) continue;
+    if (restore_file(file) == kDone) {
+      std::cout << "restored file " << in_quotes(file.name) << '\n';
+    } else {
+      status = kFailed;
     }
   }
+  if (files != 0) UpdateDiskUserGroupInfo();  // the second disk may have got what is undone
   return status;
 }
 

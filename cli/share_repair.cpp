@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@
 namespace fileshare {
 namespace {
 
+constexpr const char* kRegistry = "/etc/share.info";
 constexpr const char* kSmbConf = "/etc/samba/smb.conf";
 constexpr const char* kAppleVolumes = "/etc/netatalk/AppleVolumes.conf";
 constexpr int kLastVolume = 5;
@@ -108,14 +110,21 @@ std::string afp_entry(const ShareInfo& share) {
   return line.substr(0, line.find("]\"") + 2);
 }
 
-bool is_complete(const ShareInfo& share) {
+// What is told about the shares, read once for all of them.
+struct Entries {
+  std::string smb = text_of(kSmbConf);
+  std::string afp = text_of(kAppleVolumes);
+  std::map<int, std::string> lists;  // by volume
+};
+
+bool is_complete(const ShareInfo& share, Entries& entries) {
+  std::string& list = entries.lists[share.volume];
+  if (list.empty()) list = text_of(list_of(share.volume));
   const std::string name = share.name;
-  const std::string list_line =
-      '\n' + name_on_volume(share) + '=' + share.comment + ':' + share.path;
   return is_there(data_of(share.volume) + share.path) &&
-         holds(text_of(list_of(share.volume)), list_line) &&
-         holds(text_of(kSmbConf), "\n[" + name + "]\n" + rendered(write_share, share)) &&
-         holds(text_of(kAppleVolumes), '\n' + afp_entry(share));
+         holds(list, '\n' + name_on_volume(share) + '=' + share.comment + ':' + share.path) &&
+         holds(entries.smb, "\n[" + name + "]\n" + rendered(write_share, share)) &&
+         holds(entries.afp, '\n' + afp_entry(share));
 }
 
 // A line in the list of a volume.
@@ -154,6 +163,12 @@ bool is_left_over(const Registry& registry, const Listed& listed) {
   return !registry.any(is_it) && has_section(listed.name);
 }
 
+// One that was emptied, cut short or can not be parsed would have every share dropped.
+bool is_whole(const Registry& registry) {
+  return text_of(kRegistry).ends_with('\n') &&
+         registry.any([](const ShareInfo& share) { return !is_removable(share.name); });
+}
+
 int drop(const Registry& registry, const Listed& listed) {
   const std::string operation = "drop what is left of share " + in_quotes(listed.name);
   const char* name = listed.name.c_str();
@@ -185,7 +200,12 @@ int drop_unregistered_shares() {
   int status = kDone;
   for (int volume = 1; volume <= kLastVolume; ++volume) {
     for (const Listed& listed : listed_shares(volume)) {
-      if (is_left_over(registry, listed) && drop(registry, listed) != kDone) status = kFailed;
+      if (!is_left_over(registry, listed)) continue;
+      if (!is_whole(registry)) {
+        return refuse(std::string(kRegistry) + " is not whole: nothing of the shares was changed",
+                      kFailed);
+      }
+      if (drop(registry, listed) != kDone) status = kFailed;
     }
   }
   return status;
@@ -194,10 +214,12 @@ int drop_unregistered_shares() {
 int complete_shares() {
   const Registry registry;
   if (registry.code() != FSH_OK) return report("read the list of shares", registry.code());
+  Entries entries;
   int status = kDone;
   for (const ShareInfo* share = registry.first(); share != nullptr; share = share->next) {
     const bool is_fixed = !is_removable(share->name) && is_there(data_of(share->volume));
-    if (is_fixed && !is_complete(*share) && complete(*share) != kDone) status = kFailed;
+    if (!is_fixed || is_complete(*share, entries)) continue;
+    if (complete(*share) != kDone) status = kFailed;
   }
   return status;
 }

@@ -86,28 +86,30 @@ unsigned update_share(const char* new_name, const char* comment, const char* pat
   return UpdateShare("Music", &share);
 }
 
+enum class Kind { kOneDisk, kTwoDisks, kShares };
+
 struct Change {
   const char* name;
   unsigned (*run)();
-  bool of_shares;
+  Kind kind;
 };
 
 const Change kChanges[] = {
-    {"AddUser", add_user, false},
-    {"UpdateUser", [] { return update_user("bob", "rob"); }, false},
-    {"UpdateUserAdmin", [] { return update_user("admin", "admin"); }, false},
-    {"DelUser", [] { return DelUser("alice"); }, false},
-    {"AddShare", add_share, true},
-    {"UpdateShare", [] { return update_share("Music", "New", "/Sound"); }, true},
-    {"DelShare", [] { return DelShare("Music"); }, true},
+    {"AddUser", add_user, Kind::kOneDisk},
+    {"UpdateUser", [] { return update_user("bob", "rob"); }, Kind::kOneDisk},
+    {"UpdateUserAdmin", [] { return update_user("admin", "admin"); }, Kind::kOneDisk},
+    {"DelUser", [] { return DelUser("alice"); }, Kind::kTwoDisks},
+    {"AddShare", add_share, Kind::kShares},
+    {"UpdateShare", [] { return update_share("Music", "New", "/Sound"); }, Kind::kShares},
+    {"DelShare", [] { return DelShare("Music"); }, Kind::kShares},
     {"AddUsersToGroup",
      [] {
        const char* const users[] = {"bob"};
        return AddUsersToGroup("family", users, 1);
      },
-     false},
+     Kind::kOneDisk},
     {"UpdateShareName", [] { return update_share("Sound", "Songs of the family", "/Music"); },
-     true},
+     Kind::kShares},
 };
 
 // A renamed share may have moved to the end.
@@ -125,7 +127,7 @@ class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Cha
  protected:
   static Strings state() {
     Strings all;
-    if (!GetParam().of_shares) {
+    if (GetParam().kind != Kind::kShares) {
       for (const std::string& path : kAccounts) all.push_back(read(path));
       return all;
     }
@@ -156,6 +158,7 @@ class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Cha
   // A device whose copies are of an hour ago, when the files were others.
   void start() {
     SetUp();
+    if (GetParam().kind == Kind::kTwoDisks) mount_volume(2);
     for (const std::string& path : kCopied) {
       write(path + ".ttt", kOld);
       fs::last_write_time(path + ".ttt", fs::file_time_type::clock::now() - std::chrono::hours(1));
@@ -177,17 +180,25 @@ class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Cha
     }
   }
 
-  // As before the change or as after it, and open to the next one.
+  // As before the change or as after it.
   static void expect_recovered() {
     const Outcome outcome = fileshare({"recover"});
     EXPECT_EQ(outcome.status, 0) << outcome.error;
     for (const auto& [path, state] : snapshot()) EXPECT_FALSE(path.ends_with(".lck")) << path;
-    const Strings now = state();
-    if (now != done_) {
-      EXPECT_EQ(now, undone_) << outcome.out;
-      EXPECT_TRUE(run_to_its_end(0));
-      EXPECT_EQ(state(), done_);
+    for (const char* name : {"passwd", "group", "usrgrp.info", "smbpasswd"}) {
+      const std::string mirrored = std::string("/harddisk/volume_2/conf/") + name;
+      if (exists(mirrored)) {
+        EXPECT_EQ(read(mirrored), read(kConf + name));
+      }
     }
+    EXPECT_TRUE(state() == undone_ || state() == done_)
+        << outcome.out << testing::PrintToString(state());
+  }
+
+  static void expect_open() {
+    if (state() == done_) return;
+    EXPECT_TRUE(run_to_its_end(0));
+    EXPECT_EQ(state(), done_);
   }
 
   static inline Snapshot before_;
@@ -196,6 +207,7 @@ class PowerCutTest : public FileshareRun, public testing::WithParamInterface<Cha
 };
 
 TEST_P(PowerCutTest, RecoversFromEachStep) {
+  start();
   before_ = snapshot();
   undone_ = state();
   ASSERT_TRUE(run_to_its_end(0));
@@ -215,6 +227,7 @@ TEST_P(PowerCutTest, RecoversFromEachStep) {
       die_at(nth, half);
       expect_whole_copies(half ? target.substr(0, target.size() - 1) : "");
       expect_recovered();
+      expect_open();
       if (HasFailure()) return;
     }
   }
@@ -224,6 +237,7 @@ TEST_P(PowerCutTest, RecoversFromEachStep) {
     if (run_to_its_end(step)) break;
     expect_whole_copies("");
     expect_recovered();
+    expect_open();
     if (HasFailure()) return;
   }
   // The recovery dies too.
