@@ -252,4 +252,15 @@ TEST_F(FileshareTest, RecoversNothingFromLocksWithoutADeadChange) {
   EXPECT_EQ(changes(before), Strings());
 }
 
+TEST_F(FileshareTest, RecoversNoSharesFromAListThatIsNotWhole) {
+  const std::string registry = read("/etc/share.info");
+  write("/tmp/share.lck", "");
+  for (const std::string& lost :
+       {std::string(), registry.substr(0, 100), std::string("no share\n")}) {
+    write("/etc/share.info", lost);
+    expect_refused(
+        {{{"recover"}, 1, "/etc/share.info is not whole: nothing of the shares was ch"}});
+  }
+}
+
 }  // namespace
