@@ -3,6 +3,7 @@
 #include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
+#include "shares/registry_index.h"
 
 namespace filesharing {
 namespace {
@@ -20,9 +21,10 @@ Search find_share(ShareInfo& share, Suits suits) {
     return Search::kFailed;
   }
   const HeapList<ShareNameItem> owner(FreeShareNameList, names);
+  const RegistryIndex registry;
   for (const ShareNameItem* name = names; name != nullptr; name = name->next) {
     copy_field(share.name, name->name);
-    if (GetShareInfo(&share) != FSH_OK) {
+    if (!registry.fill(share)) {
       return Search::kFailed;
     }
     if (suits()) {
