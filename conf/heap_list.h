@@ -64,6 +64,8 @@ class HeapList {
     return node;
   }
 
+  const Node* head() const { return head_; }
+
   void clear() { free_(release()); }
 
   // Hands the list to the caller.

@@ -1,7 +1,5 @@
 #include "conf/member_list.h"
 
-#include "conf/text.h"
-
 namespace filesharing {
 
 MemberReader::MemberReader(std::string_view value)

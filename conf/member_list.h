@@ -1,9 +1,15 @@
-// The value of a line of /etc/usrgrp.info: members with their quotas, "name:quota" joined by ",".
+// The lists of /etc/usrgrp.info: a line is the name of the list, "=" and its value, members with
+// their quotas, "name:quota" joined by ",".
 #ifndef FILESHARING_CONF_MEMBER_LIST_H
 #define FILESHARING_CONF_MEMBER_LIST_H
 
+#include <cstdio>
 #include <string>
 #include <string_view>
+
+#include "conf/line_reader.h"
+#include "conf/result.h"
+#include "conf/text.h"
 
 namespace filesharing {
 
@@ -34,6 +40,31 @@ class MemberReader {
   bool malformed_ = false;
   Member member_;
 };
+
+enum class Walk { kOn, kStop };
+
+// Shows visit(list, member) every member of every list of /etc/usrgrp.info, list by list in the
+// order of the file, until it answers kStop. Blank lines and lists without a name have no members.
+// FSH_OK; FSH_MALFORMED: the walk came to an item without ":".
+template <class Visit>
+Result walk_members(std::FILE* lists, Visit visit) {
+  for (LineReader line(lists); line.next();) {
+    const Halves list = split_at(line.text(), '=');
+    if (is_blank_line(line.text()) || list.head.empty()) {
+      continue;
+    }
+    MemberReader members(list.tail);
+    while (members.next()) {
+      if (visit(list.head, members.member().name) == Walk::kStop) {
+        return FSH_OK;
+      }
+    }
+    if (members.malformed()) {
+      return FSH_MALFORMED;
+    }
+  }
+  return FSH_OK;
+}
 
 // Appends a member to a value under construction, behind a comma when it is not the first.
 void append_member(std::string& value, std::string_view name, std::string_view number);

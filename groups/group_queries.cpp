@@ -12,6 +12,7 @@
 #include "filesharing/conf.h"
 #include "filesharing/groups.h"
 #include "filesharing/shares.h"
+#include "groups/group_directory.h"
 #include "groups/group_line.h"
 
 namespace filesharing {
@@ -60,20 +61,20 @@ std::int32_t find_gid(std::string_view name) {
   return FSH_GROUP_UNKNOWN;
 }
 
-Result append_group(HeapList<GroupItem>& groups, std::string_view line) {
+Result append_group(HeapList<GroupItem>& groups, GroupDirectory& directory, std::string_view line) {
   GroupItem& item = groups.append();
   const Halves group = split_at(line, '=');
   if (group.head.empty() || group.tail.empty()) {
     return FSH_MALFORMED;
   }
   copy_field(item.name, group.head);
-  item.gid = GetGroupId(std::string(group.head).c_str());
+  item.gid = directory.gid(std::string(group.head).c_str());
   item.users = allocate<GroupUserInfo>();
   copy_field(item.users->name, group.head);
-  if (const Result failed = GetGroupUserInfo(item.users)) {
+  if (const Result failed = directory.fill_users(*item.users)) {
     return failed;
   }
-  item.shares = GetGrpShares(&item);
+  item.shares = directory.shares(item.name);
   return FSH_OK;
 }
 
@@ -82,12 +83,14 @@ Result read_groups(GroupItem** head) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
+  GroupDirectory directory(stream.get());
+  std::rewind(stream.get());
   HeapList<GroupItem> groups(FreeGrpList);  // Kept: after a failure what was read is lost
   for (LineReader line(stream.get()); line.next();) {
     if (is_blank_line(line.text())) {
       continue;
     }
-    if (const Result failed = append_group(groups, line.text())) {
+    if (const Result failed = append_group(groups, directory, line.text())) {
       return failed;
     }
   }

@@ -1,9 +1,7 @@
 // Which shares a group is on, and whether everyone is on a volume's public share.
-#include <cstdlib>
-#include <utility>
-
 #include "conf/heap_list.h"
 #include "conf/result.h"
+#include "conf/share_collector.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
@@ -12,59 +10,20 @@
 namespace filesharing {
 namespace {
 
-// The shares of a group on their way into a record; freed unless they get there.
-class ShareCollector {
- public:
-  ShareCollector() = default;
-  ShareCollector(const ShareCollector&) = delete;
-  ShareCollector& operator=(const ShareCollector&) = delete;
-  ~ShareCollector() {
-    for (int i = 0; i < count_; ++i) {
-      std::free(names_[i]);
-    }
-    std::free(names_);
-  }
-
-  bool full() const { return count_ == FSH_MOST_GROUP_SHARES; }
-
-  void add(const char* name) {
-    auto** grown = static_cast<char**>(
-        std::realloc(names_, (static_cast<std::size_t>(count_) + 1) * sizeof(char*)));
-    if (grown == nullptr) {
-      throw std::bad_alloc();
-    }
-    names_ = grown;
-    names_[count_] = duplicate(name);
-    ++count_;
-  }
-
-  int count() const { return count_; }
-
-  void hand_over(GroupShareInfo& record) {
-    record.count = std::exchange(count_, 0);
-    record.shares = std::exchange(names_, nullptr);
-  }
-
- private:
-  int count_ = 0;
-  char** names_ = nullptr;
-};
-
 Result collect_shares(GroupShareInfo& record) {
   ShareInfo* all = nullptr;
   if (const Result failed = GetAllShare(&all)) {
     return failed;
   }
   const HeapList<ShareInfo> owner(FreeShareList, all);
-  ShareCollector shares;
+  ShareCollector shares(record);
   for (const ShareInfo* share = all; share != nullptr && !shares.full(); share = share->next) {
     const ShareGroup* group = find_group(share->groups, record.name);
     if (group != nullptr) {
-      record.rights[shares.count()] = group->rights;
-      shares.add(share->name);
+      shares.add(share->name, group->rights);
     }
   }
-  shares.hand_over(record);
+  shares.hand_over();
   return FSH_OK;
 }
 

@@ -2,6 +2,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <unordered_set>
+
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/shell.h"
@@ -12,6 +14,7 @@
 #include "filesharing/groups.h"
 #include "filesharing/users.h"
 #include "users/account_line.h"
+#include "users/accounts.h"
 #include "users/smb_account.h"
 #include "users/user_lists.h"
 #include "users/user_record.h"
@@ -22,11 +25,14 @@ namespace {
 constexpr int kAddUserMask = FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS;
 
 std::int32_t first_free_uid() {
-  std::int32_t uid = kFirstUserUid;
-  while (getpwuid(static_cast<uid_t>(uid)) != nullptr) {
+  std::unordered_set<uid_t> taken;
+  for_each_account([&](const passwd& account) { taken.insert(account.pw_uid); });
+  auto uid = static_cast<uid_t>(kFirstUserUid);
+  // The look-up knows the accounts of a network directory, too.
+  while (taken.contains(uid) || getpwuid(uid) != nullptr) {
     ++uid;
   }
-  return uid;
+  return static_cast<std::int32_t>(uid);
 }
 
 Result append_account(const UserInfo& user) {

@@ -1,48 +1,32 @@
 // Looking up one user: the record, and the check of a password.
 #include <pwd.h>
 
-#include "conf/member_list.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
-#include "conf/whole_value.h"
 #include "filesharing/users.h"
-#include "users/account_line.h"
+#include "users/accounts.h"
+#include "users/everyone_list.h"
 #include "users/password_hash.h"
 
 namespace filesharing {
 namespace {
-
-Result fill_from_account(UserInfo& record) {
-  const passwd* account = getpwnam(record.name);
-  if (account == nullptr) {
-    return FSH_USER_UNKNOWN;
-  }
-  copy_field(record.description, account->pw_gecos);
-  record.uid = static_cast<std::int32_t>(account->pw_uid);
-  return FSH_OK;
-}
 
 Result fill_user_info(UserInfo& record) {
   Stream stream = open_stream(paths::kUserGroups, "r");
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  const std::string value = read_whole_value("everyone", stream.get()).value_or("");
+  const std::string value = read_everyone(stream.get());
   stream.reset();
-  if (without_leading_blanks(value).empty()) {
+  if (value.empty()) {
     return FSH_USER_UNKNOWN;
   }
-  MemberReader users(value);
+  EveryoneReader users(value);
   while (users.next()) {
-    const Member& user = users.member();
-    if (user.name.size() > kMostUserNameCharacters) {
-      return FSH_USER_UNKNOWN;
-    }
-    if (user.name == record.name) {
-      copy_field(record.password, FSH_PASSWORD_PLACEHOLDER);
-      record.quota = static_cast<std::uint32_t>(to_long(user.number));
+    if (users.user().name == record.name) {
+      fill_from_list(record, users.user().number);
       return fill_from_account(record);
     }
   }

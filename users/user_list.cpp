@@ -7,23 +7,23 @@
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
-#include "filesharing/groups.h"
 #include "filesharing/users.h"
+#include "users/user_directory.h"
 
 namespace filesharing {
 namespace {
 
-Result append_user(HeapList<UserItem>& users, const char* name) {
+Result append_user(HeapList<UserItem>& users, const UserDirectory& directory, const char* name) {
   UserInfo user{};
   copy_field(user.name, name);
-  if (const Result failed = GetUserInfo(&user)) {
+  if (const Result failed = directory.fill_info(user)) {
     return failed;
   }
   UserItem& item = users.append();
   item.user = user;
   item.groups = allocate<GroupUserInfo>();
   copy_field(item.groups->name, name);
-  const Result result = GetUserGroupInfo(item.groups);
+  const Result result = directory.fill_groups(*item.groups);
   if (result != FSH_OK) {
     std::free(std::exchange(item.groups, nullptr));
   }
@@ -40,9 +40,10 @@ Result read_users(UserItem** head) {
     return failed;
   }
   HeapList<UserNameItem> names(FreeUserNameList, first_name);
+  const UserDirectory directory(stream.get());
   HeapList<UserItem> users(FreeUserList);
   for (const UserNameItem* name = first_name; name != nullptr; name = name->next) {
-    if (const Result failed = append_user(users, name->name)) {
+    if (const Result failed = append_user(users, directory, name->name)) {
       return failed;
     }
   }
