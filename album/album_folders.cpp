@@ -14,17 +14,18 @@ namespace {
 
 // Rewrites the file under the album's lock by a change of its text.
 int change_folders(const std::function<std::string(std::string_view text)>& changed) {
-  AlbumLock lock;
+  wait_for_album_lock();
   FileRewrite rewrite(paths::kAlbumUsers);
   if (const Result failed = rewrite.open()) {
+    release_album_lock();
     return failed == FSH_NO_TEMPORARY ? 0 : -1;
   }
   rewrite.write(changed(read_rest(rewrite.source())));
   // Kept: the temporary file stays behind a copy that succeeded.
   if (rewrite.commit({.leaves_temporary = true}) != FSH_OK) {
-    lock.leave();  // Kept: the lock stays, and the next change waits for it in vain.
-    return -1;
+    return -1;  // Kept: the lock stays, and the next change waits for it in vain.
   }
+  release_album_lock();
   return 0;
 }
 

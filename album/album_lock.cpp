@@ -14,16 +14,14 @@ constexpr unsigned kSecondsBetween = 2;
 
 }  // namespace
 
-AlbumLock::AlbumLock() {
+void wait_for_album_lock() {
   for (int attempt = 1; !take_lock_file(paths::kAlbumLock) && attempt < kAttempts; ++attempt) {
     sleep(kSecondsBetween);
   }
 }
 
-AlbumLock::~AlbumLock() {
-  if (!stays_) {
-    release_lock_file(paths::kAlbumLock);
-  }
+void release_album_lock() {
+  release_lock_file(paths::kAlbumLock);
 }
 
 }  // namespace filesharing

@@ -20,8 +20,10 @@ constexpr int kFailed = -1;
 // Runs a change under the album's lock.
 template <class Change>
 int locked(Change&& change) {
-  const AlbumLock lock;
-  return guarded(kFailed, change);
+  wait_for_album_lock();
+  const int result = guarded(kFailed, change);
+  release_album_lock();
+  return result;
 }
 
 // A user who can not be written is told as one who was: the page shows the list anyway.

@@ -100,15 +100,11 @@ void StopUPnPDaemon(const UPnPAVSettings* settings, int remove_db) {
     }
     return 0;
   });
-  guarded(0, [] {
-    end_daemon();
-    return 0;
-  });
+  end_daemon();
 }
 
 int ScanUPnPAVServer(void) {
-  using namespace filesharing;
-  return guarded(-1, [] { return send_signal(paths::kMediaScanPid, SIGHUP); });
+  return filesharing::send_signal(filesharing::paths::kMediaScanPid, SIGHUP);
 }
 
 int ReloadUPnPAVServerIP(void) {
@@ -117,7 +113,7 @@ int ReloadUPnPAVServerIP(void) {
     write_port();
     return 0;
   });
-  return guarded(-1, [] { return send_signal(paths::kMediaServerPid, SIGHUP); });
+  return send_signal(paths::kMediaServerPid, SIGHUP);
 }
 
 void RemoveDBOKFlag(void) {

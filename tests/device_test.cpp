@@ -109,7 +109,7 @@ void put(const std::string& path, const FileState& state) {
 }
 
 /* Parents sort before what is in them, so going forward makes and going backward removes. */
-void bring_back(const Snapshot& pristine) {
+void restore(const Snapshot& pristine) {
   const Snapshot now = look_at_all();
   for (auto file = now.rbegin(); file != now.rend(); ++file) {
     const auto was = pristine.find(file->first);
@@ -201,8 +201,8 @@ class Device : public testing::Environment {
  public:
   void SetUp() override {
     refuse_outside_device();
-    /* Detached processes become children of this one instead of the device's first process. */
-    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+    /* Detached processes become children of this one, if it is not the device's first already. */
+    ASSERT_TRUE(getpid() == 1 || prctl(PR_SET_CHILD_SUBREAPER, 1) == 0);
     ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr);
     pristine_ = look_at_all();
   }
@@ -211,7 +211,7 @@ class Device : public testing::Environment {
     unmount_all();
     mount_empty(1, "64m");
     for (const auto& entry : fs::directory_iterator(kPlans)) fs::remove_all(entry);
-    bring_back(pristine_);
+    restore(pristine_);
     spill(kCommandLog, "");
   }
 
@@ -282,10 +282,6 @@ std::string DeviceTest::owner(const std::string& path) {
 
 Snapshot DeviceTest::snapshot() {
   return look_at_all();
-}
-
-void DeviceTest::restore(const Snapshot& before) {
-  bring_back(before);
 }
 
 Strings DeviceTest::changes(const Snapshot& before) {
