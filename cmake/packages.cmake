@@ -60,6 +60,6 @@ debian_package(adapters fileshare-adapters admin
   "today's daemons and tools for libfilesharing
 What lets Samba, vsftpd and the quota tools of today stand where the library
 knows older ones."
-  RECOMMENDS quota samba vsftpd)
+  RECOMMENDS quota samba samba-vfs-modules vsftpd)
 
 include(CPack)

@@ -45,8 +45,8 @@ add_user eve "${eve#*%}" staff
 change share add Tapes /tapes --comment "What the band recorded"
 change share grant band Tapes
 change share grant fans Tapes --read-only
-sed -i -e 's/^guest_access=.*/guest_access=yes/' -e 's/^disk_server_comment=.*/&, upstairs/' \
-  /etc/CGI_ds.conf
+sed -i -e 's/^guest_access=.*/guest_access=yes/' -e 's/^recycle=.*/recycle=yes/' \
+  -e 's/^disk_server_comment=.*/&, upstairs/' /etc/CGI_ds.conf
 change samba set --workgroup ABCDEFGHIJKLMNOP --code-page 852 --wins yes \
   --wins-server 192.168.1.250 --printer Laser
 change samba apply
@@ -69,6 +69,11 @@ holds /tmp/fay 'one two three'
 refused $denied smb "$fay" Tapes 'put /tmp/take1 take2'
 [ ! -e $tapes/take2 ] || fail "a refused file is there"
 refused $denied smb "$eve" Tapes ls
+
+step "What is deleted goes to the recycle bin"
+succeeds smb "$dave" Tapes 'del take1'
+holds $tapes/.recycle/take1 'one two three'
+succeeds smb "$dave" Tapes 'put /tmp/take1 take1'
 
 step "A password counts as a whole, also behind its 8th character"
 refused $no_login smb 'dave%drum and brass' Tapes ls
