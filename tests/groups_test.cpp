@@ -188,36 +188,68 @@ TEST_F(GroupsTest, LookingUpOneGroup) {
   EXPECT_EQ(GroupExist(nullptr), 0);
 }
 
-/* The list is never freed: a process of its own makes it. */
-TEST_F(GroupsTest, AllGroupsWithTheirMembers) {
-  write(kUserGroups, "\nfamily=alice:500,carol:0\r\n\r\nlost=\nstaff=bob:7");
-  EXPECT_EQ(in_process([] {
-              GroupItem* head = nullptr;
-              EXPECT_EQ(GetAllGroup(&head), 0u);
-              std::string all;
-              for (const GroupItem* group = head; group; group = group->next) {
-                all += group->name + (' ' + std::to_string(group->gid)) + group->users->name;
-                for (const auto& user : strings(group->users->list, group->users->count)) {
-                  all += ' ' + user;
-                }
-                all += group->shares ? "; " : ", no shares; ";
-              }
-              EXPECT_EQ(
-                  all,
-                  "family 2001family alice carol; lost -5lost, no shares; staff 2000staff bob; ");
-              FreeGrpList(head);
-              return all.empty() ? 1u : 0u;
-            }),
-            0u);
+/* Each group with its gid, its members and its shares with their rights; or the code. */
+std::string all_groups() {
+  GroupItem* head = nullptr;
+  if (const unsigned code = GetAllGroup(&head)) return std::to_string(code);
+  std::string all;
+  for (const GroupItem* group = head; group; group = group->next) {
+    all += group->name + (' ' + std::to_string(group->gid)) + group->users->name;
+    for (const auto& user : strings(group->users->list, group->users->count)) all += ' ' + user;
+    for (int i = 0; group->shares != nullptr && i < group->shares->count; ++i) {
+      all += std::string(" ") + group->shares->shares[i] + std::to_string(group->shares->rights[i]);
+    }
+    all += "; ";
+  }
+  FreeGrpList(head);
+  return all;
+}
+
+/* Every group is looked up on its own, in every file: the first line of its name counts. */
+TEST_F(GroupsTest, AllGroupsWithTheirMembersAndShares) {
+  const std::string good = "a=0:1::/a/:staff:7,staff:5\nb=0:1::/b/:x:5,staff:5\n";
+  const struct {
+    const char* lists;
+    const char* groups;
+    std::string shares;
+    std::string removable;
+    const char* expected;
+  } cases[] = {
+      {"\nfamily=alice:500,carol:0\r\n\r\nlost=\nstaff=bob:7", "staff:x:2000:\nfamily:x:2001:\n",
+       good, "", "family 2001family alice carol; lost -5lost; staff 2000staff bob a7 b5; "},
+      {"staff=b:1\nstaff=c:1,d\n", "staff:x\nstaff:x:7\nstaff:x:8\n", good, "",
+       "staff 7staff b a7 b5; staff 7staff b a7 b5; "},
+      {"a_name_of_24_characters_=a:1\na_name_of_24_characters=b:1\n",
+       "a_name_of_24_characters_:x:5:\n", good, "",
+       "a_name_of_24_characters 5a_name_of_24_characters b; "
+       "a_name_of_24_characters -5a_name_of_24_characters b; "},
+      /* a malformed share: the first file is forgotten, with the second there are no shares */
+      {"staff=\n", "", "bad=0\n" + good, "c=0:3::/c/:staff:7\n", "staff -5staff c7; "},
+      {"staff=\n", "", good + "bad=0\n", "c=0:3::/c/:staff:7\n", "staff -5staff c7; "},
+      {"staff=\n", "", good, "c=0:3::/c/:staff:7\nbad=0\n", "staff -5staff; "},
+      /* a malformed list */
+      {"staff=\n=a:0\n", "", good, "", "24"},
+      {"staff=\nfamily\n", "", good, "", "24"},
+      {"staff=\nfamily=", "", good, "", "24"},
+      {"staff=\nfamily=a:0,b\n", "", good, "", "24"},
+      {"family=a:0,b\nstaff=\n", "", good, "", "24"},
+  };
+  for (const auto& c : cases) {
+    write(kUserGroups, c.lists);
+    write(kGroupFile, c.groups);
+    write("/etc/share.info", c.shares);
+    write("/etc/win_share.info", c.removable);
+    /* The list is never freed: a process of its own makes it. */
+    EXPECT_EQ(in_process([&] {
+                EXPECT_EQ(all_groups(), c.expected) << c.lists;
+                return 0U;
+              }),
+              0u);
+  }
 }
 
 TEST_F(GroupsTest, QueriesFailAsAWhole) {
   auto* head = reinterpret_cast<GroupItem*>(1);
-  for (const char* lines :
-       {"staff=\n=a:0\n", "staff=\nfamily\n", "staff=\nfamily=", "staff=\nfamily=a:0,b\n"}) {
-    write(kUserGroups, lines);
-    EXPECT_EQ(in_process([&] { return GetAllGroup(&head) + (head ? 100 : 0); }), 24u) << lines;
-  }
   GroupNameItem* names = nullptr;
   write(kGroupFile, "a:x:2000:\nb:x:0\nc:x:2001:\n");
   EXPECT_EQ(GetGrpNameList(&names), 24u);

@@ -162,10 +162,36 @@ TEST_F(ShareRegistryTest, FolderIsSharedByItsExactPathOnItsVolume) {
   EXPECT_EQ(dir_shared("/Music", 1), 1);
   EXPECT_EQ(dir_shared("/Music/", 1), 1);
   EXPECT_EQ(dir_shared("/music/", 1), -1); /* reaches a record that can not be read */
-  write(kRegistry, "Music=0:1::/Music/\n");
-  EXPECT_EQ(dir_shared("/music/", 1), 0);
-  EXPECT_EQ(dir_shared("/Music/", 2), 0);
   EXPECT_EQ(dir_shared("", 1), -1);
+  const std::string bad = "Bad=0:1:c\n";
+  const std::string music = "Music=0:1::/Music/\n";
+  const struct {
+    std::string registry;
+    std::string removable;
+    int music;  /* volume 1 */
+    int nobody; /* a folder that is not shared */
+  } cases[] = {
+      {music, "", 1, 0},
+      {bad + music, "", -1, -1},
+      {music, bad, 1, -1},
+      /* the first line of a name, in any letter case; a bad one is looked for in the second file */
+      {music + "MUSIC=0:1::/other/\n", "", 1, 0},
+      {"MUSIC=0:1::/other/\n" + music, "", 0, 0},
+      {bad + "BAD=0:1::/Music/\n", "", -1, -1},
+      {bad + music, "bAD=0:3::/x/\n", 1, 0},
+      {"Music=\n", music, 1, 0},
+      /* behind a section header a share is listed and not found */
+      {"[x]\n" + music, "", -1, -1},
+      {music + "[x]\n" + music, "", 1, 0},
+      {music + "[x=0:1::/y/\n", "", 1, -1},
+  };
+  for (const auto& c : cases) {
+    write(kRegistry, c.registry);
+    write(kRemovable, c.removable);
+    EXPECT_EQ(dir_shared("/Music/", 1), c.music) << c.registry << c.removable;
+    EXPECT_EQ(dir_shared("/music/", 1), c.nobody) << c.registry << c.removable;
+    EXPECT_EQ(dir_shared("/Music/", 2), c.nobody) << c.registry << c.removable;
+  }
 }
 
 TEST_F(ShareRegistryTest, PublicShareOfAVolumeHasItsBlanksWrittenForUrls) {

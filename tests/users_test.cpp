@@ -110,25 +110,32 @@ TEST_F(UsersTest, LookUpCutsALongDescription) {
   EXPECT_EQ(GetUserInfo(nullptr), 20u);
 }
 
+/* Each user's fields and groups; of a record that is full the number of groups. */
+Strings seen(const UserItem* head) {
+  Strings lines;
+  for (const UserItem* item = head; item != nullptr; item = item->next) {
+    EXPECT_STREQ(item->groups->name, item->user.name);
+    std::string line = std::string(item->user.name) + " " + item->user.description + " " +
+                       std::to_string(item->user.quota) + " " + std::to_string(item->user.uid);
+    const int count = item->groups->count;
+    if (count == 255) line += " 255 groups";
+    for (int i = 0; i < count && count < 255; ++i) line += " " + std::string(item->groups->list[i]);
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 TEST_F(UsersTest, AllUsersComeWithTheirFieldsAndGroups) {
   const std::ptrdiff_t open_before = open_files();
   UserItem* head = nullptr;
   ASSERT_EQ(GetAllUser(&head), 0u);
   EXPECT_EQ(open_files(), open_before + 1);  // the stream stays open on success
-  Strings seen;
-  for (const UserItem* item = head; item != nullptr; item = item->next) {
-    std::string line = std::string(item->user.name) + "|" + item->user.description + "|" +
-                       std::to_string(item->user.quota) + "|" + std::to_string(item->user.uid) +
-                       "|" + item->groups->name;
-    for (int i = 0; i < item->groups->count; ++i) line += std::string(" ") + item->groups->list[i];
-    seen.push_back(line);
-  }
+  EXPECT_EQ(
+      seen(head),
+      Strings({"admin Administrator 0 500 everyone administrators", "guest Guest 0 501 everyone",
+               "alice Alice Carter 500 2000 everyone staff family",
+               "bob Bob Fisher 1000 2001 everyone staff", "carol  0 2002 everyone family"}));
   FreeUserList(head);
-  EXPECT_EQ(seen, Strings({"admin|Administrator|0|500|admin everyone administrators",
-                           "guest|Guest|0|501|guest everyone",
-                           "alice|Alice Carter|500|2000|alice everyone staff family",
-                           "bob|Bob Fisher|1000|2001|bob everyone staff",
-                           "carol||0|2002|carol everyone family"}));
 }
 
 TEST_F(UsersTest, FailureWhileListingAllClosesAndFreesEverything) {
@@ -144,6 +151,57 @@ TEST_F(UsersTest, FailureWhileListingAllClosesAndFreesEverything) {
   ASSERT_EQ(unlink("/etc/usrgrp.info"), 0);
   EXPECT_EQ(GetAllUser(&head), 21u);
   EXPECT_EQ(GetAllUser(nullptr), 20u);
+}
+
+/* Everyone is looked up on their own: what is malformed counts for those who stand behind it. */
+TEST_F(UsersTest, AllUsersWithRepeatedNamesAndMalformedEntries) {
+  const std::string line = "z:x:2001:501:Zoe::/dev/null\n";
+  const std::string two = "a:x:2000:501:Ann::/dev/null\n" + line;
+  const std::string twenty_one(21, 'x');
+  std::string full; /* 256 groups of z */
+  for (int i = 0; i < 256; ++i) full += "g" + std::to_string(i) + "=z:1\n";
+  const struct {
+    std::string accounts;
+    std::string lists;
+    unsigned code;
+    Strings users;
+  } cases[] = {
+      /* the first account, entry and list of a name */
+      {two + "a:x:2005:501:Abe::/dev/null\n",
+       "everyone=a:1,z:2,a:3\nt=a:1,a:1\nt=z:1\n",
+       0,
+       {"a Ann 1 2000 everyone everyone t t", "z Zoe 2 2001 everyone t",
+        "a Ann 1 2000 everyone everyone t t"}},
+      /* the list of everyone ends at a malformed entry, behind all users or before the last */
+      {two,
+       "everyone=a:1,z:2," + twenty_one + ":1\n",
+       0,
+       {"a Ann 1 2000 everyone", "z Zoe 2 2001 everyone"}},
+      {two, "everyone=" + twenty_one + ":1,a:1,z:2\n", 33, {}},
+      {two, "everyone=a:1," + twenty_one + ":1,z:2\n", 33, {}},
+      {two, "t=a:1\n[x]\neveryone=a:1\n", 33, {}},
+      {two, "everyone=a:1\n", 0, {"a Ann 1 2000 everyone", "z Zoe 0 2001"}},
+      /* the groups: whoever has more than a record holds does not get to the malformed one */
+      {line, "everyone=y:1\nbad\n=a\nu=z:1,z\n", 24, {}},
+      {line, "everyone=y:1\nbad\n=a\nu=z:1\n", 0, {"z Zoe 0 2001 u"}},
+      {line, "everyone=y:1\n" + full + "u=z\n", 0, {"z Zoe 0 2001 255 groups"}},
+      {two, "everyone=y:1\n" + full + "u=z\n", 24, {}},
+      {line, "u=z\neveryone=y:1\n" + full, 24, {}},
+      /* names that no look-up finds; the account files */
+      {"+z:x:2001:501:::\n" + line, "everyone=z:1\n", 33, {}},
+      {":x:2001:501:::\n" + line, "everyone=z:1\n", 20, {}},
+      {two + "z\n", "everyone=a:1\n", 24, {}},
+      {"z\n" + two, "everyone=a:1\n", 24, {}},
+      {"", "nonsense", 0, {}},
+  };
+  for (const auto& c : cases) {
+    write("/etc/passwd", c.accounts);
+    write("/etc/usrgrp.info", c.lists);
+    UserItem* head = nullptr;
+    EXPECT_EQ(GetAllUser(&head), c.code) << c.accounts << c.lists.substr(0, 80);
+    EXPECT_EQ(seen(c.code == 0 ? head : nullptr), c.users) << c.accounts << c.lists.substr(0, 80);
+    if (c.code == 0) FreeUserList(head);
+  }
 }
 
 TEST_F(UsersTest, PasswordIsCheckedInTwoHalves) {
