@@ -11,6 +11,15 @@
 
 namespace filesharing {
 
+namespace {
+
+// isspace(3) of the C locale.
+bool is_space(char character) {
+  return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+}  // namespace
+
 std::string format(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
@@ -51,7 +60,9 @@ bool is_blank_line(std::string_view line) {
 
 std::int64_t to_long(std::string_view text) {
   using Limits = std::numeric_limits<std::int64_t>;
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  while (!text.empty() && is_space(text.front())) {
+    text.remove_prefix(1);
+  }
   if (text.starts_with('+') && !text.starts_with("+-")) {
     text.remove_prefix(1);
   }

@@ -13,8 +13,10 @@ constexpr int kUsersGid = 501;
 
 std::optional<std::int32_t> parse_uid(std::string_view behind_name) {
   const Halves hash = split_at(behind_name, ':');
-  const Halves uid = split_at(hash.tail, ':');
-  return hash.found && uid.found ? std::optional(to_int(uid.head)) : std::nullopt;
+  if (!hash.found || hash.tail.find(':') == std::string_view::npos) {
+    return std::nullopt;
+  }
+  return to_int(hash.tail);  // ends at the colon
 }
 
 bool is_listed_uid(std::int32_t uid) {

@@ -34,10 +34,13 @@ void UserDirectory::read_accounts() {
 void UserDirectory::read_groups(std::FILE* lists) {
   std::rewind(lists);
   groups_result_ = walk_members(lists, [&](auto group, auto member) {
+    if (group_names_.empty() || group_names_.back() != group) {
+      group_names_.emplace_back(group);
+    }
     Groups& groups = groups_[std::string(member)];
     groups.complete = groups.names.size() == kMostNames;
     if (!groups.complete) {
-      groups.names.emplace_back(group);
+      groups.names.push_back(static_cast<std::uint32_t>(group_names_.size() - 1));
     }
     return Walk::kOn;
   });
@@ -69,8 +72,8 @@ Result UserDirectory::fill_groups(GroupUserInfo& user) const {
     return groups_result_;
   }
   NameCollector names;
-  for (const std::string& name : groups.names) {
-    names.add(name);
+  for (const std::uint32_t place : groups.names) {
+    names.add(group_names_[place]);
   }
   names.hand_over(user);
   return FSH_OK;

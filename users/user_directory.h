@@ -2,6 +2,7 @@
 #ifndef FILESHARING_USERS_USER_DIRECTORY_H
 #define FILESHARING_USERS_USER_DIRECTORY_H
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -28,7 +29,7 @@ class UserDirectory {
     std::int32_t uid;
   };
   struct Groups {
-    std::vector<std::string> names;
+    std::vector<std::uint32_t> names;  // their places in group_names_
     bool complete = false;  // there are more than a record holds: nothing behind them is looked at
   };
 
@@ -40,6 +41,7 @@ class UserDirectory {
   std::unordered_map<std::string, std::string> quotas_;
   bool everyone_malformed_ = false;  // behind the users in quotas_
   std::unordered_map<std::string, Account> accounts_;
+  std::vector<std::string> group_names_;
   std::unordered_map<std::string, Groups> groups_;
   Result groups_result_ = FSH_OK;  // for users whose groups are not complete
 };
