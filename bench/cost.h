@@ -16,7 +16,14 @@ struct Cost {
 
 // The call tells the size of what it returns, or 0. One that fails ends the program.
 using Call = std::function<std::size_t()>;
-Cost cost_of(const Call& call);
+
+// The mean of several calls, so that what the dynamic linker does at the first one counts less.
+// What clean_up does after each does not count at all.
+struct Repeated {
+  int calls = 1;
+  std::function<void()> clean_up = [] {};
+};
+Cost cost_of(const Call& call, const Repeated& repeated = {});
 
 // Seconds of a C program that runs the command lines of a file through system(3) and does nothing
 // else, and of its commands.

@@ -43,13 +43,13 @@ void look_for_public_share(int) {
 
 Sample cpu(int shares, LookUp look_up) {
   constexpr int kCalls = 10;
-  const auto calls = [shares, look_up]() -> std::size_t {
-    for (int i = 0; i < kCalls; ++i) look_up(shares);
-    return 0;
-  };
-  return [device = LargeDevice({.groups = 10, .shares = shares}), calls] {
+  return [device = LargeDevice({.groups = 10, .shares = shares}), shares, look_up] {
     device.set_up();
-    return cost_of(calls).cpu;
+    const auto call = [shares, look_up]() -> std::size_t {
+      look_up(shares);
+      return 0;
+    };
+    return cost_of(call, {.calls = kCalls}).cpu;
   };
 }
 
