@@ -14,18 +14,17 @@ namespace {
 
 // Rewrites the file under the album's lock by a change of its text.
 int change_folders(const std::function<std::string(std::string_view text)>& changed) {
-  wait_for_album_lock();
+  AlbumLock lock;
   FileRewrite rewrite(paths::kAlbumUsers);
   if (const Result failed = rewrite.open()) {
-    release_album_lock();
     return failed == FSH_NO_TEMPORARY ? 0 : -1;
   }
   rewrite.write(changed(read_rest(rewrite.source())));
   // Kept: the temporary file stays behind a copy that succeeded.
   if (rewrite.commit({.leaves_temporary = true}) != FSH_OK) {
-    return -1;  // Kept: the lock stays, and the next change waits for it in vain.
+    lock.leave();  // Kept: the lock stays, and the next change waits for it in vain.
+    return -1;
   }
-  release_album_lock();
   return 0;
 }
 

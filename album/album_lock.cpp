@@ -14,14 +14,16 @@ constexpr unsigned kSecondsBetween = 2;
 
 }  // namespace
 
-void wait_for_album_lock() {
+AlbumLock::AlbumLock() {
   for (int attempt = 1; !take_lock_file(paths::kAlbumLock) && attempt < kAttempts; ++attempt) {
     sleep(kSecondsBetween);
   }
 }
 
-void release_album_lock() {
-  release_lock_file(paths::kAlbumLock);
+AlbumLock::~AlbumLock() {
+  if (!stays_) {
+    release_lock_file(paths::kAlbumLock);
+  }
 }
 
 }  // namespace filesharing

@@ -4,12 +4,24 @@
 
 namespace filesharing {
 
-// Tries to take the lock 15 times, 2 seconds apart, and then goes on without it: a page that died
-// with the lock must not shut everybody out.
-void wait_for_album_lock();
+// Holds the lock while it is in scope.
+class AlbumLock {
+ public:
+  // Tries to take the lock 15 times, 2 seconds apart, and then goes on without it: a page that died
+  // with the lock must not shut everybody out.
+  AlbumLock();
+  AlbumLock(const AlbumLock&) = delete;
+  AlbumLock& operator=(const AlbumLock&) = delete;
 
-// Removes the lock file, whoever made it.
-void release_album_lock();
+  // Removes the lock file, whoever made it.
+  ~AlbumLock();
+
+  // Leaves the lock file behind.
+  void leave() { stays_ = true; }
+
+ private:
+  bool stays_ = false;
+};
 
 }  // namespace filesharing
 

@@ -82,24 +82,22 @@ Result write_remaining(FileRewrite& rewrite) {
 }
 
 int prune(const char* sub) {
-  wait_for_album_lock();
+  AlbumLock lock;
   FileRewrite rewrite(paths::kAlbumUsers);
   {
     const SavedFolder saved;
     const auto folder = album_folder(sub);
     if (!folder || chdir(folder->c_str()) != 0) {
-      release_album_lock();
       return 0;
     }
     if (const Result failed = write_remaining(rewrite)) {
-      release_album_lock();
       return failed == FSH_NO_TEMPORARY ? 0 : -1;
     }
   }
   if (rewrite.commit({}) != FSH_OK) {
-    return -1;  // Kept: the lock stays, and the next change waits for it in vain.
+    lock.leave();  // Kept: the lock stays, and the next change waits for it in vain.
+    return -1;
   }
-  release_album_lock();
   return 0;
 }
 

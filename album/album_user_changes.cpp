@@ -20,10 +20,8 @@ constexpr int kFailed = -1;
 // Runs a change under the album's lock.
 template <class Change>
 int locked(Change&& change) {
-  wait_for_album_lock();
-  const int result = guarded(kFailed, change);
-  release_album_lock();
-  return result;
+  const AlbumLock lock;
+  return guarded(kFailed, change);
 }
 
 // A user who can not be written is told as one who was: the page shows the list anyway.
