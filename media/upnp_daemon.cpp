@@ -100,11 +100,15 @@ void StopUPnPDaemon(const UPnPAVSettings* settings, int remove_db) {
     }
     return 0;
   });
-  end_daemon();
+  guarded(0, [] {
+    end_daemon();
+    return 0;
+  });
 }
 
 int ScanUPnPAVServer(void) {
-  return filesharing::send_signal(filesharing::paths::kMediaScanPid, SIGHUP);
+  using namespace filesharing;
+  return guarded(-1, [] { return send_signal(paths::kMediaScanPid, SIGHUP); });
 }
 
 int ReloadUPnPAVServerIP(void) {
@@ -113,7 +117,7 @@ int ReloadUPnPAVServerIP(void) {
     write_port();
     return 0;
   });
-  return send_signal(paths::kMediaServerPid, SIGHUP);
+  return guarded(-1, [] { return send_signal(paths::kMediaServerPid, SIGHUP); });
 }
 
 void RemoveDBOKFlag(void) {
