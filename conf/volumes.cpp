@@ -2,19 +2,27 @@
 
 #include <unistd.h>
 
-#include "conf/text.h"
 #include "platform/utility/utility.h"
 
 namespace filesharing {
 
 namespace {
-constexpr std::array kFixedVolumes{1, 2, 5};
-}
+
+struct FixedVolume {
+  int number;
+  const char* marker;
+};
+
+constexpr FixedVolume kFixedVolumes[] = {{1, "/harddisk/volume_1/conf/.qv27"},
+                                         {2, "/harddisk/volume_2/conf/.qv27"},
+                                         {5, "/harddisk/volume_5/conf/.qv27"}};
+
+}  // namespace
 
 int configuration_volume() {
-  for (const int volume : kFixedVolumes) {
-    if (access(format("/harddisk/volume_%d/conf/.qv27", volume).c_str(), F_OK) == 0) {
-      return volume;
+  for (const FixedVolume& volume : kFixedVolumes) {
+    if (access(volume.marker, F_OK) == 0) {
+      return volume.number;
     }
   }
   return 0;
@@ -25,9 +33,9 @@ DiskPresence::DiskPresence() {
 }
 
 int DiskPresence::first_fixed_volume() const {
-  for (const int number : kFixedVolumes) {
-    if (volume(number) == 1) {
-      return number;
+  for (const FixedVolume& fixed : kFixedVolumes) {
+    if (volume(fixed.number) == 1) {
+      return fixed.number;
     }
   }
   return 0;

@@ -276,7 +276,8 @@ FSH_API int case_dir(const char* directory, const char* name, char** stored);
 FSH_API int trans_dir(char* path);
 
 /* The same for what stands behind prefix, which is taken as it is and begins the path; null is no
- * prefix. -1 also when the path is empty or does not hold the prefix; it is unchanged then. */
+ * prefix. -1 also when the path is empty or does not hold the prefix, or there is no memory; it is
+ * unchanged then. */
 FSH_API int trans_dir_with_prefix(const char* prefix, char* path);
 
 /* Spells the last component alone; slashes behind it and doubled ones before it go. 1: its letter
