@@ -109,7 +109,7 @@ void put(const std::string& path, const FileState& state) {
 }
 
 /* Parents sort before what is in them, so going forward makes and going backward removes. */
-void restore(const Snapshot& pristine) {
+void bring_back(const Snapshot& pristine) {
   const Snapshot now = look_at_all();
   for (auto file = now.rbegin(); file != now.rend(); ++file) {
     const auto was = pristine.find(file->first);
@@ -211,7 +211,7 @@ class Device : public testing::Environment {
     unmount_all();
     mount_empty(1, "64m");
     for (const auto& entry : fs::directory_iterator(kPlans)) fs::remove_all(entry);
-    restore(pristine_);
+    bring_back(pristine_);
     spill(kCommandLog, "");
   }
 
@@ -282,6 +282,10 @@ std::string DeviceTest::owner(const std::string& path) {
 
 Snapshot DeviceTest::snapshot() {
   return look_at_all();
+}
+
+void DeviceTest::restore(const Snapshot& before) {
+  bring_back(before);
 }
 
 Strings DeviceTest::changes(const Snapshot& before) {

@@ -73,6 +73,8 @@ class DeviceTest : public testing::Test {
   /* "+path" for each new file, "-path" for each that is gone, "~path" for each that changed, in
    * order of the paths; the random part of temporary names reads XXXXXX. */
   static Strings changes(const Snapshot& before);
+  /* Makes all files as they were; mounts and the log of commands stay as they are. */
+  static void restore(const Snapshot& before);
 
   /* ---- Outside programs and waits ---- */
   /* Every call of a stand-in and every wait so far, in order: "/bin/cp [-f] [from] [to]",

@@ -17,6 +17,7 @@
 #include <cstring>
 #include <regex>
 #include <sstream>
+#include <string_view>
 
 #include "tests/recorded_calls.h"
 
@@ -46,9 +47,9 @@ Function* next(const char* name) {
 }
 
 /* Whether this call is the one to fail. */
-bool fails(const char* what, const std::string& path, const char* how = "", int error = EIO) {
+bool fails(const char* what, std::string_view path, const char* how = "", int error = EIO) {
   if (run().what != Interposing::kFaults || path == kCommandLog) return false;
-  const std::string line = std::string(what) + " " + path + how + "\n";
+  const std::string line = std::string(what) + " " + std::string(path) + how + "\n";
   if (run().length + line.size() < sizeof run().list) {
     std::memcpy(run().list + run().length, line.data(), line.size());
     run().length += line.size();
@@ -154,7 +155,8 @@ INSTEAD FILE* fopen(const char* path, const char* mode) {
 }
 
 INSTEAD int fclose(FILE* stream) {
-  const bool failed = __fwritable(stream) != 0 && fails("write", path_of(fileno(stream)));
+  const bool failed = run().what == Interposing::kFaults && __fwritable(stream) != 0 &&
+                      fails("write", path_of(fileno(stream)));
   const int result = GO_ON(fclose, stream);
   return failed ? EOF : result;
 }

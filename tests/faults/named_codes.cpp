@@ -90,7 +90,8 @@ void collect(const std::string& function, std::map<unsigned, std::string>& codes
     const auto value = code_values().find(name);
     if (value != code_values().end()) codes.emplace(value->second, name);
   }
-  for (const std::string& number : words(comment, "(?:^|[\\s(])(-?[0-9]+)(?=[:;,).]| when)")) {
+  for (const std::string& number :
+       words(comment, "(?:^|[\\s(])(-?[0-9]+)(?=[:;,).]| when| also)")) {
     const auto value = static_cast<unsigned>(std::stoll(number));
     codes.emplace(value, name_of(number));
   }
