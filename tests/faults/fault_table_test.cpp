@@ -121,13 +121,11 @@ class FaultTable : public DeviceTest {
  protected:
   using Environment = std::function<void()>;
 
-  /* Runs the operation on a new device with the nth of its steps failing. */
-  Aftermath run(
-      const Operation& operation, int nth, const Environment& change = [] {}) {
-    SetUp();
-    operation.prepare();
-    change();
-    before_ = snapshot();
+  /* Runs the operation on the device as prepared for it, with the nth of its steps failing. */
+  Aftermath run(const Operation& operation, int nth, const Environment* change = nullptr) {
+    restore(good_before_);
+    if (change != nullptr) (*change)();
+    before_ = change != nullptr ? snapshot() : good_before_;
     Arguments arguments(operation.texts, operation.list);
     const unsigned code = in_process([&] {
       start_interposing(Interposing::kFaults, nth);
@@ -141,12 +139,14 @@ class FaultTable : public DeviceTest {
   }
 
   void add(const Operation& operation) {
+    SetUp();
+    operation.prepare();
+    good_before_ = snapshot();
     good_ = run(operation, 0);
     const Strings steps = interposed_calls();
     const bool commands =
         std::ranges::any_of(steps, [](auto& step) { return step.starts_with("run "); });
     if (changes(before_).empty() && !commands) return;
-    good_before_ = before_;
     codes_ = named_codes(operation.name);
     rows_.clear();
     steps_ = {"none"};
@@ -156,7 +156,7 @@ class FaultTable : public DeviceTest {
       note(operation, step, run(operation, static_cast<int>(step)));
     }
     for (const auto& [name, environment] : kEnvironments) {
-      const Aftermath aftermath = run(operation, 0, environment);
+      const Aftermath aftermath = run(operation, 0, &environment);
       for (const std::string& point : mounted()) (void)umount2(point.c_str(), MNT_DETACH);
       mounted().clear();
       steps_.push_back(name);

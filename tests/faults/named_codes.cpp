@@ -91,7 +91,7 @@ void collect(const std::string& function, std::map<unsigned, std::string>& codes
     if (value != code_values().end()) codes.emplace(value->second, name);
   }
   for (const std::string& number :
-       words(comment, "(?:^|[\\s(])(-?[0-9]+)(?=[:;,).]| when| also)")) {
+       words(comment, "(?:^|[\\s(])(-?[0-9]+)(?=[:;,).]| when| also| for)")) {
     const auto value = static_cast<unsigned>(std::stoll(number));
     codes.emplace(value, name_of(number));
   }

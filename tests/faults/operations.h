@@ -41,7 +41,7 @@ class Arguments {
 };
 
 struct Operation {
-  const char* name;
+  std::string name;
   Texts texts;
   std::function<unsigned(Arguments&)> call;
   std::function<void()> prepare = [] {};
