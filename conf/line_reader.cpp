@@ -37,4 +37,27 @@ bool LineReader::next() {
   return length >= 0;
 }
 
+bool BlockLineReader::next() {
+  std::size_t feed = unread().find('\n');
+  for (bool more = true; feed == std::string_view::npos && more;) {
+    const std::size_t searched = unread().size();
+    more = read_block();
+    feed = unread().find('\n', searched);
+  }
+  line_ = unread().substr(0, feed == std::string_view::npos ? feed : feed + 1);
+  begin_ += line_.size();
+  return !line_.empty();
+}
+
+// Adds a block to what is unread. False at the end of the file.
+bool BlockLineReader::read_block() {
+  block_.erase(0, begin_);
+  end_ -= begin_;
+  begin_ = 0;
+  block_.resize(end_ + kBlock);
+  const std::size_t length = std::fread(block_.data() + end_, 1, kBlock, stream_);
+  end_ += length;
+  return length > 0;
+}
+
 }  // namespace filesharing

@@ -51,13 +51,27 @@ TEST_F(UsersTest, ListedByIdAndLengthOfTheNameInFileOrder) {
   for (const char* name : {"Zoe", "zo", "zoee", "root"}) EXPECT_EQ(UserExist(name), 0) << name;
 }
 
+/* The file is read in blocks of 16,384 bytes. */
+TEST_F(UsersTest, LinesOfAnyLengthAreListedWhole) {
+  for (const size_t length : {16382, 16383, 16384, 16385, 32768, 50000}) {
+    std::string accounts = "a:x:2000:501:";
+    accounts.append(length - 1 - accounts.size(), 'd');
+    write("/etc/passwd", accounts + "\nb:x:2001:501:\nc:x:2002:");
+    EXPECT_EQ(GetNumOfUsers(), 3u) << length;
+    for (const char* name : {"a", "b", "c"}) EXPECT_EQ(UserExist(name), 1) << name << length;
+  }
+}
+
 TEST_F(UsersTest, MalformedAccountLineEndsTheListing) {
   UserNameItem* head = nullptr;
-  for (const char* line : {"bob\n", "bob:x\n", "bob:x:2001", "not-listed-21-letters\n"}) {
-    write("/etc/passwd", std::string("admin:x:500:501:::\n") + line);
-    EXPECT_EQ(GetUserNameList(&head), 24u) << line;
-    EXPECT_EQ(GetNumOfUsers(), FSH_FAILED) << line;
-    EXPECT_EQ(UserExist("admin"), 0) << line;
+  for (const char* line : {"bob\n", "bob:x\n", "bob:x:2001\n", "not-listed-21-letters\n"}) {
+    const std::string admin = "admin:x:500:501:::\n";
+    for (const auto& accounts : {admin + line, line + admin}) {
+      write("/etc/passwd", accounts);
+      EXPECT_EQ(GetUserNameList(&head), 24u) << accounts;
+      EXPECT_EQ(GetNumOfUsers(), FSH_FAILED) << accounts;
+      EXPECT_EQ(UserExist("admin"), 0) << accounts;
+    }
   }
   ASSERT_EQ(unlink("/etc/passwd"), 0);
   EXPECT_EQ(GetUserNameList(&head), 21u);

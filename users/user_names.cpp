@@ -20,7 +20,7 @@ Result read_user_names(UserNameItem** head) {
     return FSH_CANNOT_OPEN;
   }
   HeapList<UserNameItem> names(FreeUserNameList);
-  for (LineReader line(accounts.get()); line.next();) {
+  for (BlockLineReader line(accounts.get()); line.next();) {
     if (is_blank_line(line.text())) {
       continue;
     }
