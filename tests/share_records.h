@@ -25,18 +25,6 @@ class ShareTest : public DeviceTest {
     EXPECT_FALSE(exists("/tmp/share.lck"));
     EXPECT_FALSE(exists("/tmp/smb.lck"));
   }
-
-  /* The command that puts a rewritten file in its place. */
-  static std::string copy_to(const std::string& path) {
-    return "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] [" + path + "]";
-  }
-
-  /* Of a copy that runs twice, the second run, which is the nth cp, counts; that the file stays as
-   * it was takes both to fail. */
-  static void fail_both_copies(int nth) {
-    fail_command("cp", nth - 1);
-    fail_command("cp", nth);
-  }
 };
 
 /* " staff:7 family:5" */
