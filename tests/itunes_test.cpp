@@ -52,9 +52,7 @@ TEST_F(ITunesTest, ReadsKeysWithTheirDefaultsAndLimits) {
   ITunesSettings record;
   EXPECT_EQ(ReadiTuneConf(&record), 0);
   EXPECT_EQ(record.name, std::string(32, 'd')) << "a default that does not fit is cut";
-  fs::remove(kSettings);
-  EXPECT_EQ(ReadiTuneConf(&record), -1);
-  EXPECT_EQ(ReadiTuneConf(nullptr), -1);
+  EXPECT_EQ(ReadiTuneConf(nullptr) + SaveiTuneConf(nullptr), -2);
 }
 
 TEST_F(ITunesTest, SavesItsKeysAndLeavesTheRest) {
@@ -67,10 +65,6 @@ TEST_F(ITunesTest, SavesItsKeysAndLeavesTheRest) {
   EXPECT_EQ(read(kSettings), "[media]\nitune_name=" + std::string(33, 'n') +
                                  "\nmusic_broad=no\nitune=yes\nitune_path=/Music/Pop\n\n"
                                  "[network]\nport=80\n");
-  fs::remove(kSettings);
-  fs::create_directory(kSettings);
-  EXPECT_EQ(SaveiTuneConf(&record), -1);
-  EXPECT_EQ(SaveiTuneConf(nullptr), -1);
 }
 
 TEST_F(ITunesTest, FactoryFileGetsFolderPortAndName) {
@@ -110,61 +104,21 @@ TEST_F(ITunesTest, LinesAreReplacedAndNeverAdded) {
   }
 }
 
-TEST_F(ITunesTest, WhatFailsStopsThereAndMaySwitchTheServerOff) {
-  struct Case {
-    const char* name;
-    std::string lines;
-    std::function<void()> spoil;
-    int result;
-    Strings commands;
-    bool stays;
-  };
-  const auto nothing = [] {};
-  const Strings stopped{kStop, "sleep 2"};
-  const Case cases[] = {
-      {"off", "itune=no\nitune_path=/Music\n", nothing, 0, stopped, true},
-      {"no folder", "itune=yes\nitune_path=/Music/Gone\n", nothing, -1, stopped, false},
-      {"no share", "itune=yes\nitune_path=/Gone\n", nothing, -1, stopped, true},
-      {"no slash", "itune=yes\nitune_path=Music\n", nothing, -1, stopped, true},
-      {"no key", "itune=yes\n", nothing, -1, stopped, true},
-      {"no file", "itune=yes\nitune_path=/Music\n", [] { fs::remove(kConfiguration); }, -1, stopped,
-       true},
-      {"no copy",
-       "itune=yes\nitune_path=/Music\n",
-       [] { fail_command("cp", 1); },
-       -1,
-       {kStop, "sleep 2", kCopy},
-       true},
-      {"no daemon",
-       "itune=yes\nitune_path=/Music\n",
-       [] { fail_command("mt-daapd", 1); },
-       0,
-       {kStop, "sleep 2", kCopy, kStart},
-       true},
-  };
-  for (const Case& one : cases) {
-    SetUp();
-    settings(one.lines);
-    write(kConfiguration, "port 80\n");
-    one.spoil();
-    Strings expected;
-    if (one.commands.back() == kStart) expected.push_back("~/etc/mt-daapd.conf");
+TEST_F(ITunesTest, FolderThatIsGoneSwitchesTheServerOffAndAMissingShareDoesNot) {
+  const std::pair<const char*, bool> cases[] = {
+      {"/Music/Gone", false}, {"/Gone", true}, {"Music", true}, {"", true}};
+  for (const auto& [path, stays] : cases) {
+    const std::string lines = std::string("itune_path=") + path + "\nitune=";
+    settings(lines + "no\n");
+    const std::string off = read(kSettings);
+    EXPECT_EQ(ResetItune(), 0);
+    settings(lines + "yes\n");
     const Snapshot before = snapshot();
-    EXPECT_EQ(ResetItune(), one.result) << one.name;
-    EXPECT_EQ(commands(), one.commands) << one.name;
-    if (!one.stays) {
-      expected.insert(expected.begin(), std::string("~") + kSettings);
-      EXPECT_EQ(read(kSettings),
-                "[network]\ndisk_server_name=NAS\n[media]\nitune=no\nitune_path=/Music/Gone\n");
-    }
-    EXPECT_EQ(changes(before), expected) << one.name;
+    EXPECT_EQ(ResetItune(), -1) << path;
+    EXPECT_EQ(changes(before), stays ? Strings() : Strings({"~/etc/CGI_ds.conf"})) << path;
+    EXPECT_EQ(read(kSettings) == off, !stays) << path;
   }
-}
-
-TEST_F(ITunesTest, NothingIsStoppedWithoutTheSettings) {
-  fs::remove(kSettings);
-  EXPECT_EQ(ResetItune(), -1);
-  EXPECT_EQ(commands(), Strings());
+  EXPECT_EQ(commands().size(), std::size(cases) * 4) << "each time stopped, and never started";
 }
 
 }  // namespace
