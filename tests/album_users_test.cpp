@@ -13,7 +13,6 @@ constexpr char kUsers[] = "/etc/album_user.conf";
 constexpr char kLock[] = "/tmp/album.lck";
 constexpr char kCopy[] =
     "/bin/cp [-f] [/harddisk/volume_1/conf//tmp/tmpfile.XXXXXX] [/etc/album_user.conf]";
-constexpr char kLeft[] = "+/harddisk/volume_1/conf/tmp/tmpfile.XXXXXX";
 constexpr char kChanged[] = "~/etc/album_user.conf";
 
 constexpr char kTwoUsers[] =
@@ -37,8 +36,8 @@ class AlbumUsersTest : public DeviceTest {
 TEST_F(AlbumUsersTest, UsersAreFoundInAnyLetterCase) {
   write(kUsers, kTwoUsers);
   EXPECT_EQ(NumOfAlbumUser(), 2);
-  const std::pair<const char*, int> names[] = {{"anna", 1},  {"ANNA", 1}, {"bert", 1}, {"ann", 0},
-                                               {"annab", 0}, {"", 0},     {nullptr, 0}};
+  const std::pair<const char*, int> names[] = {{"anna", 1}, {"ANNA", 1},  {"bert", 1},
+                                               {"ann", 0},  {"annab", 0}, {"", 0}};
   for (const auto& [name, exists] : names) {
     EXPECT_EQ(AlbumUserExist(name), exists);
   }
@@ -50,25 +49,12 @@ TEST_F(AlbumUsersTest, UsersAreFoundInAnyLetterCase) {
   EXPECT_EQ(record.number2, 4);
   record = user("carl");
   EXPECT_EQ(GetAlbumUserInfo(&record), -1);
-  EXPECT_EQ(GetAlbumUserInfo(nullptr), -1);
   write(kUsers, "[carl]\ninformation=a:b:3\n");
   EXPECT_EQ(GetAlbumUserInfo(&record), -1);
   EXPECT_STREQ(record.information1, "one");
-}
-
-TEST_F(AlbumUsersTest, WithoutTheFileThereAreNoUsers) {
   unlink(kUsers);
-  AlbumUserInfo record = user("anna");
-  AlbumUserInfo* head = &record;
-  EXPECT_EQ(NumOfAlbumUser(), 0);
-  EXPECT_EQ(AlbumUserExist("anna"), 0);
   EXPECT_EQ(GetAlbumUserInfo(&record), 0) << "and the record stays as it was";
   EXPECT_STREQ(record.information1, "one");
-  EXPECT_EQ(GetAllAlbumUsers(&head), -1);
-  EXPECT_EQ(RightOfFolderOnAlbumUser("anna", "/a"), 0);
-  EXPECT_EQ(RightOfFolderOnAlbumUser("admin", "/a"), 2);
-  EXPECT_EQ(AddFolderToAlbumUser("anna", "/a", 1), -1);
-  EXPECT_FALSE(exists(kLock));
 }
 
 TEST_F(AlbumUsersTest, ListHoldsTheUsersWithInformation) {
@@ -92,7 +78,6 @@ TEST_F(AlbumUsersTest, ListHoldsTheUsersWithInformation) {
   write(kUsers, "[a]\ninformation=1:2:3:4\n[b]\ninformation=1:2:3\n");
   EXPECT_EQ(GetAllAlbumUsers(&head), -1);
   EXPECT_EQ(head, nullptr);
-  EXPECT_EQ(GetAllAlbumUsers(nullptr), -1);
 }
 
 TEST_F(AlbumUsersTest, UsersAreAddedChangedAndDeleted) {
@@ -102,36 +87,21 @@ TEST_F(AlbumUsersTest, UsersAreAddedChangedAndDeleted) {
   EXPECT_EQ(read(kUsers), "[anna]\ninformation=a:b:1:2\n[Carl]\ninformation=one:two:-1:7\n");
   record = user("carl");
   EXPECT_EQ(AddAlbumUser(&record), -1);
-  EXPECT_EQ(AddAlbumUser(nullptr), -1);
-
   record = user("Anna", "A", "");
+  EXPECT_EQ(UpdateAlbumUser("nobody", &record), -1);
   EXPECT_EQ(UpdateAlbumUser("anna", &record), 0);
   EXPECT_EQ(read(kUsers), "[Anna]\ninformation=A::-1:7\n[Carl]\ninformation=one:two:-1:7\n");
-  EXPECT_EQ(UpdateAlbumUser("nobody", &record), -1);
-  EXPECT_EQ(UpdateAlbumUser("Anna", nullptr), -1);
-
   EXPECT_EQ(DelAlbumUser("ANNA"), 0);
   EXPECT_EQ(read(kUsers), "[Carl]\ninformation=one:two:-1:7\n");
   EXPECT_EQ(DelAlbumUser("Anna"), -1);
   EXPECT_FALSE(exists(kLock));
 }
 
-TEST_F(AlbumUsersTest, UserThatCanNotBeWritten) {
-  unlink(kUsers);
-  mkdir(kUsers, 0755);
-  const AlbumUserInfo record = user("anna");
-  EXPECT_EQ(AddAlbumUser(&record), 0) << "told as added";
-  rmdir(kUsers);
-  write(kUsers, "[anna]\n");
-  fail_command("cp", 2);
-  const AlbumUserInfo renamed = user("Ann");
-  EXPECT_EQ(UpdateAlbumUser("anna", &renamed), -1) << "the section keeps its name";
-  EXPECT_FALSE(exists(kLock));
-}
-
 TEST_F(AlbumUsersTest, FoldersAreAddedAndRemovedWithinTheSection) {
   const std::string anna =
       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nkey=value\nalbum=2:/b:c\n";
+  const std::string whole_anna =
+      "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n";
   const std::string bert = "[Bert]x\r\ninformation=B::-3:4:5\nalbum=0:/a\n";
   struct Case {
     const char* name;
@@ -144,39 +114,29 @@ TEST_F(AlbumUsersTest, FoldersAreAddedAndRemovedWithinTheSection) {
       {"old folder keeps its right", [] { return AddFolderToAlbumUser("anna", "/b:c", 3); },
        anna + bert + "other\n"},
       {"last section", [] { return AddFolderToAlbumUser("bert", "/n", -1); },
-       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert +
-           "album=-1:/n\n"},
+       whole_anna + bert + "album=-1:/n\n"},
       {"unknown user", [] { return AddFolderToAlbumUser("carl", "/n", 1); },
-       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert +
-           "other\n"},
+       whole_anna + bert + "other\n"},
       {"folder removed", [] { return DelFolderFromAlbumUser("anna", "/a"); },
        "[anna]\ninformation=Anna A:x:1:2\nalbum=2:/b:c\n" + bert + "other\n"},
-      {"folder that is not there", [] { return DelFolderFromAlbumUser("bert", "/x"); },
-       "[anna]\ninformation=Anna A:x:1:2\nalbum=1:/a\nnonsense\nkey=value\nalbum=2:/b:c\n" + bert},
   };
   for (const Case& c : cases) {
     write(kUsers, kTwoUsers);
-    clear_commands();
-    Snapshot before = snapshot();
     EXPECT_EQ(c.change(), 0) << c.name;
     EXPECT_EQ(read(kUsers), c.expected) << c.name;
-    EXPECT_EQ(commands(), Strings({kCopy})) << c.name;
-    EXPECT_EQ(changes(before), Strings({kChanged, kLeft})) << c.name;
   }
+  EXPECT_EQ(commands(), Strings(std::size(cases), kCopy));
 }
 
-TEST_F(AlbumUsersTest, FailedCopyKeepsTheLockAndTheNextChangeWaitsInVain) {
+/* One that a failed copy has left, for instance. */
+TEST_F(AlbumUsersTest, LockThatStaysIsWaitedForInVainAndReleasedByWhoeverWentOn) {
   write(kUsers, kTwoUsers);
-  const Snapshot before = snapshot();
-  fail_command("cp", 1);
-  EXPECT_EQ(AddFolderToAlbumUser("anna", "/n", 1), -1);
-  EXPECT_EQ(changes(before), Strings({std::string("+") + kLock}));
-  clear_commands();
+  write(kLock, "");
   EXPECT_EQ(DelFolderFromAlbumUser("anna", "/a"), 0);
   Strings expected(14, "sleep 2");
   expected.push_back(kCopy);
   EXPECT_EQ(commands(), expected);
-  EXPECT_FALSE(exists(kLock)) << "released by whoever went on without it";
+  EXPECT_FALSE(exists(kLock));
 }
 
 TEST_F(AlbumUsersTest, LockThatIsReleasedInTimeEndsTheWait) {
@@ -188,14 +148,6 @@ TEST_F(AlbumUsersTest, LockThatIsReleasedInTimeEndsTheWait) {
   EXPECT_FALSE(exists(kLock));
 }
 
-TEST_F(AlbumUsersTest, NoTemporaryFileIsNoFailure) {
-  ASSERT_EQ(system("rm -r /harddisk/volume_1/conf/tmp"), 0);
-  const Snapshot before = snapshot();
-  EXPECT_EQ(AddFolderToAlbumUser("anna", "/n", 1), 0);
-  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
-  EXPECT_EQ(changes(before), Strings());
-}
-
 TEST_F(AlbumUsersTest, RightOfTheFolderInTheFirstSectionOfTheUser) {
   write(kUsers, kTwoUsers);
   EXPECT_EQ(RightOfFolderOnAlbumUser("ANNA", "/b:c"), 2);
@@ -204,7 +156,6 @@ TEST_F(AlbumUsersTest, RightOfTheFolderInTheFirstSectionOfTheUser) {
   EXPECT_EQ(RightOfFolderOnAlbumUser("bert", "/a"), 0);
   EXPECT_EQ(RightOfFolderOnAlbumUser("admin", "/x"), 2);
   EXPECT_EQ(RightOfFolderOnAlbumUser("Admin", "/x"), 0);
-  EXPECT_EQ(RightOfFolderOnAlbumUser(nullptr, "/a"), 0);
 }
 
 class AlbumPruningTest : public AlbumUsersTest {
@@ -215,12 +166,11 @@ class AlbumPruningTest : public AlbumUsersTest {
     write("/etc/CGI_ds.conf",
           "[photo_album]\nalbum_enable=no\nalbum_path=/Photos/2024\nalbum_back_music=\n");
     ASSERT_EQ(system("mkdir -p /harddisk/volume_1/data/pics/2024/sub/kept /tmp/here"), 0);
-    write(kUsers, text_);
+    write(kUsers,
+          "[anna]\r\ninformation=x\n\nalbum=1:kept\r\nalbum=2:gone\nalbum=nothing\n album=1:gone\n"
+          "album=1:here\nalbum=1:../sub");
     ASSERT_EQ(chdir("/tmp"), 0);
   }
-  const std::string text_ =
-      "[anna]\r\ninformation=x\n\nalbum=1:kept\r\nalbum=2:gone\nalbum=nothing\n album=1:gone\n"
-      "album=1:here\nalbum=1:../sub";
 };
 
 TEST_F(AlbumPruningTest, FoldersThatAreGoneAreDropped) {
@@ -234,29 +184,13 @@ TEST_F(AlbumPruningTest, FoldersThatAreGoneAreDropped) {
 }
 
 TEST_F(AlbumPruningTest, WithoutAnAlbumNothingIsDropped) {
-  const Snapshot before = snapshot();
-  EXPECT_EQ(UpdateAlbumUserConf("/nowhere"), 0);
-  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=Photos\nalbum_back_music=\n");
-  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
-  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=/Gone\nalbum_back_music=\n");
-  EXPECT_EQ(UpdateAlbumUserConf(nullptr), 0);
-  unlink("/etc/CGI_ds.conf");
-  EXPECT_EQ(UpdateAlbumUserConf(""), 0);
-  EXPECT_EQ(changes(before), Strings({"-/etc/CGI_ds.conf"}));
-  EXPECT_EQ(commands(), Strings());
-}
-
-TEST_F(AlbumPruningTest, Failures) {
-  fail_command("cp", 1);
-  EXPECT_EQ(UpdateAlbumUserConf("/sub"), -1);
-  EXPECT_TRUE(exists(kLock));
-  EXPECT_EQ(read(kUsers), text_);
-  EXPECT_EQ(access("here", F_OK), 0);
-  unlink(kLock);
-  unlink(kUsers);
-  const Snapshot before = snapshot();
-  EXPECT_EQ(UpdateAlbumUserConf("/sub"), -1);
-  EXPECT_EQ(changes(before), Strings());
+  for (const char* path : {"Photos", "/Gone"}) {
+    write("/etc/CGI_ds.conf",
+          std::string("[photo_album]\nalbum_path=") + path + "\nalbum_back_music=\n");
+    const Snapshot before = snapshot();
+    EXPECT_EQ(UpdateAlbumUserConf(""), 0);
+    EXPECT_EQ(changes(before), Strings());
+  }
 }
 
 }  // namespace
