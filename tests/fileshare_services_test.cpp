@@ -5,23 +5,6 @@ namespace {
 
 class FileshareServicesTest : public FileshareRun {};
 
-TEST_F(FileshareServicesTest, SetChangesWhatIsNamedAndLeavesTheRest) {
-  Json samba = Json::parse(R"({"enabled": true, "workgroup": "WORKGROUP",
-      "code-page": 437, "wins": false, "wins-server": "", "printer": "lp"})");
-  Json ftp = Json::parse(R"({"enabled": true, "anonymous": false, "language": 437,
-      "port": 21, "data-port": 20, "ssl": false, "bandwidth": 0})");
-  EXPECT_EQ(shown({"samba", "show"}), samba);
-  EXPECT_EQ(shown({"ftp", "show"}), ftp);
-  expect({"samba", "set", "--wins", "yes", "--wins-server", "10. 0.0.1"});
-  expect({"ftp", "set", "--port", "2121", "--ssl", "yes"});
-  expect({"https", "set", "--enabled", "yes"});
-  samba.update({{"wins", true}, {"wins-server", "10.0.0.1"}});
-  ftp.update({{"port", 2121}, {"ssl", true}});
-  EXPECT_EQ(shown({"samba", "show"}), samba);
-  EXPECT_EQ(shown({"ftp", "show"}), ftp);
-  EXPECT_EQ(shown({"https", "show"}), Json::parse(R"({"enabled": true, "port": "80"})"));
-}
-
 TEST_F(FileshareServicesTest, RefusedSettingNamesItsFieldAndChangesNothing) {
   expect_refused({
       {{"samba", "set", "--workgroup", "a/b"},
@@ -48,9 +31,6 @@ TEST_F(FileshareServicesTest, FailureOfAStepOfApplyIsTheExitStatusThoughLaterOne
   EXPECT_EQ(fileshare({"samba", "apply"}).error,
             "fileshare: can not apply the settings of Samba: a setting is missing, or Samba did "
             "not follow (code 13)\n");
-  write("/etc/CGI_ds.conf", "[network]\n");
-  EXPECT_EQ(fileshare({"https", "apply"}).status, 1);
-  EXPECT_EQ(fileshare({"https", "show"}).status, 1);
 }
 
 }  // namespace
