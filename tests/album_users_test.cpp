@@ -21,6 +21,10 @@ constexpr char kTwoUsers[] =
 
 class AlbumUsersTest : public DeviceTest {
  protected:
+  static std::string text(const AlbumUserInfo& r) {
+    return std::string(r.name) + ":" + r.information1 + ":" + r.information2 + ":" +
+           std::to_string(r.number1) + ":" + std::to_string(r.number2);
+  }
   static AlbumUserInfo user(const char* name, const char* information1 = "one",
                             const char* information2 = "two") {
     AlbumUserInfo record{};
@@ -43,10 +47,7 @@ TEST_F(AlbumUsersTest, UsersAreFoundInAnyLetterCase) {
   }
   AlbumUserInfo record = user("BERT");
   EXPECT_EQ(GetAlbumUserInfo(&record), 0);
-  EXPECT_STREQ(record.information1, "B");
-  EXPECT_STREQ(record.information2, "");
-  EXPECT_EQ(record.number1, -3);
-  EXPECT_EQ(record.number2, 4);
+  EXPECT_EQ(text(record), "BERT:B::-3:4");
   record = user("carl");
   EXPECT_EQ(GetAlbumUserInfo(&record), -1);
   write(kUsers, "[carl]\ninformation=a:b:3\n");
@@ -62,17 +63,12 @@ TEST_F(AlbumUsersTest, ListHoldsTheUsersWithInformation) {
   write(kUsers, "album=1:/stray\n[a]\ninformation=1:2:3:4\ninformation=x\n[empty]\nalbum=1:/\n[" +
                     long_text + "\ninformation=" + long_text + ":" + long_text + ":5:6:7\n");
   AlbumUserInfo* head = nullptr;
-  ASSERT_EQ(GetAllAlbumUsers(&head), 0);
-  ASSERT_NE(head, nullptr);
-  EXPECT_STREQ(head->name, "a");
-  EXPECT_STREQ(head->information1, "1");
-  EXPECT_STREQ(head->information2, "2");
-  ASSERT_NE(head->next, nullptr);
-  EXPECT_EQ(head->next->name, std::string(20, 't'));
-  EXPECT_EQ(head->next->information1, std::string(50, 't'));
-  EXPECT_EQ(head->next->information2, std::string(15, 't'));
-  EXPECT_EQ(head->next->number2, 6);
-  EXPECT_EQ(head->next->next, nullptr);
+  EXPECT_EQ(GetAllAlbumUsers(&head), 0);
+  Strings users;
+  for (const AlbumUserInfo* one = head; one != nullptr; one = one->next)
+    users.push_back(text(*one));
+  EXPECT_EQ(users, Strings({"a:1:2:3:4", std::string(20, 't') + ":" + std::string(50, 't') + ":" +
+                                             std::string(15, 't') + ":5:6"}));
   FreeAlbumUserList(head);
 
   write(kUsers, "[a]\ninformation=1:2:3:4\n[b]\ninformation=1:2:3\n");

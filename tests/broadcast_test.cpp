@@ -80,7 +80,8 @@ TEST_F(BroadcastTest, SavesTheSwitchUnderItsOldKeyFirst) {
 /* ---- The files ---- */
 
 TEST_F(BroadcastTest, FactoryFilesGetTheServer) {
-  settings("music_broad=yes\nbroad_port=8000\nbroad_path=/Music/Pop\nplay_method=Order\n");
+  settings("music_broad=yes\nbroad_port=8000\nbroad_path=/Music/Pop\nplay_method=order\n");
+  write(kAmple, "[log]\nport=1\n"); /* its own keys stand outside any section */
   fs::create_directory("/harddisk/volume_1/data/Music/Pop");
   fs::permissions(kInetd, fs::perms(0600));
   const std::string services = read(kServices), inetd = read(kInetd);
@@ -92,23 +93,13 @@ TEST_F(BroadcastTest, FactoryFilesGetTheServer) {
   fs::remove("/tmp/state");
   EXPECT_EQ(changes(before), Strings({"~/etc/ample.conf", "~/etc/inetd.conf", "~/etc/services"}));
   EXPECT_EQ(read(kAmple),
-            "mp3path=/harddisk/volume_1/data/Music///Pop\nport=8000\norder=false\n"
-            "servername=NAS_MP3\nserveraddress=10.0.0.7\nlogfile=/var/log/ample.log\n");
+            "mp3path=/harddisk/volume_1/data/Music///Pop\nport=8000\norder=true\n"
+            "servername=NAS_MP3\nserveraddress=10.0.0.7\n[log]\nport=1\n");
   EXPECT_EQ(read(kServices), services + "ample\t8000/tcp\n");
   EXPECT_EQ(read(kInetd), inetd + "ample\tstream\ttcp\tnowait\troot\t/usr/sbin/ample\n");
   EXPECT_EQ(mode(kInetd), 0644u);
   EXPECT_EQ(commands(), Strings({kStop, "sleep 2", kCopyServices, kCopyInetd,
                                  "/bin/killall [inetd]", "sleep 1", "/etc/rc.d/rc.xinetd"}));
-}
-
-TEST_F(BroadcastTest, KeysOfAmpleStandOutsideAnySection) {
-  write(kAmple, "[log]\nport=1\n");
-  settings("music_broad=yes\nbroad_name=Radio\nbroad_path=/Music\nplay_method=order\n");
-  EXPECT_EQ(ResetBroadcast(), 0u);
-  wait_for_background();
-  EXPECT_EQ(read(kAmple),
-            "mp3path=/harddisk/volume_1/data/Music//\nport=1234\norder=true\nservername=Radio\n"
-            "serveraddress=10.0.0.7\n[log]\nport=1\n");
 }
 
 TEST_F(BroadcastTest, LinesOfServicesAndInetd) {
@@ -135,6 +126,7 @@ TEST_F(BroadcastTest, LinesOfServicesAndInetd) {
     settings(std::string("broad_path=/Music\nmusic_broad=") + one.enabled + "\n");
     EXPECT_EQ(rewritten(one.path, one.before), one.after) << one.before;
   }
+  EXPECT_NE(read(kAmple).find("\norder=false\n"), std::string::npos);
 }
 
 TEST_F(BroadcastTest, FolderThatIsGoneSwitchesTheServerOff) {

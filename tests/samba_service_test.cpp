@@ -178,29 +178,18 @@ class SetSmbTest : public SambaServiceTest {
   }
 };
 
-TEST_F(SetSmbTest, HandsOverEveryFieldAtItsFullLength) {
-  write(kSettings,
-        "[network]\nmsn_enable=yes\nw_d_name=ABCDEFGHIJKLMNOP\ncode_page=850\nwins_enable="
-        "yes\nwins_server=192.168.100.200\nprinter_name=12345678901234567890\nrecycle="
-        "yesterday\ndisk_server_comment=" +
-            std::string(60, 's') + "\nprinter_comment=" + std::string(90, 'p') + "\n");
-  EXPECT_EQ(SetSMB(), 0u);
-  EXPECT_EQ(read(kConf),
-            "; Samba\n[global]\nworkgroup=ABCDEFGHIJKLMNOP\nvfs object=recycle\n"
-            "server string=" +
-                std::string(49, 's') +
-                "\ndos charset=CP850\nprinter name=12345678901234567890\ncomment=" +
-                std::string(81, 'p') + "\nwins server=192.168.100.200\n[Music]\nread only=yes\n");
-}
-
-TEST_F(SetSmbTest, ServerOfWinsThatIsOffIsNotHandedOver) {
+TEST_F(SetSmbTest, HandsOverWhatFitsAndNoServerOfWinsThatIsOff) {
+  const std::string long_text(100, 'x');
   set("wins_server=", "wins_server=192.168.1.2\n");
   set("code_page=437", "code_page=-2147483648\n"); /* longer than its field */
+  set("recycle=no", "recycle=yesterday\n");
+  set("disk_server_comment=Network disk server", "disk_server_comment=" + long_text + "\n");
+  set("printer_comment=Printer", "printer_comment=" + long_text + "\n");
   EXPECT_EQ(SetSMB(), 0u);
   EXPECT_EQ(read(kConf),
-            "; Samba\n[global]\nworkgroup=WORKGROUP\nvfs object=\n"
-            "server string=Network disk server\ndos charset=CP850\nprinter name=lp\n"
-            "comment=Printer\nwins server=\n[Music]\nread only=yes\n");
+            "; Samba\n[global]\nworkgroup=WORKGROUP\nvfs object=recycle\nserver string=" +
+                long_text.substr(0, 49) + "\ndos charset=CP850\nprinter name=lp\ncomment=" +
+                long_text.substr(0, 81) + "\nwins server=\n[Music]\nread only=yes\n");
 }
 
 TEST_F(SetSmbTest, SwitchedOffSambaOnlyStops) {
