@@ -43,12 +43,6 @@ void get_share_with_group(Arguments& arguments) {
   if (GetShareWithGroup(&share) == FSH_OK) FreeShGrpList(share.groups);
 }
 
-void get_group_share_info(Arguments& arguments) {
-  GroupShareInfo group = {};
-  arguments.field(group.name);
-  if (GetGroupShareInfo(&group) == FSH_OK) FreeGrpShareInfo(&group);
-}
-
 void get_public_share(Arguments& arguments) {
   std::free(GetPublicSh(arguments.number()));
 }
@@ -155,7 +149,7 @@ constexpr Operation kOperations[] = {
     {"EveryoneInDiskSh", with_number<EveryoneInDiskSh>},
     {"GetAllShare", with_head<GetAllShare, FreeShareList, ShareInfo>},
     {"GetExtShare", with_head<GetExtShare, FreeShareList, ShareInfo>},
-    {"GetGroupShareInfo", get_group_share_info},
+    {"GetGroupShareInfo", with_record<GetGroupShareInfo, FreeGrpShareInfo, GroupShareInfo>},
     {"GetNumOfShares", with_nothing<GetNumOfShares>},
     {"GetPublicSh", get_public_share},
     {"GetShareGroup", with_record<GetShareGroup, FreeShareGrpInfo, ShareGroupInfo>},
