@@ -21,32 +21,24 @@ class FileshareAlbumTest : public FileshareRun {
   }
 };
 
-TEST_F(FileshareAlbumTest, AlbumIsShownSetAndLinked) {
+TEST_F(FileshareAlbumTest, AlbumIsSetLinkedAndNotSwitchedOnWhenItsShareIsGone) {
   ASSERT_EQ(mkdir("/harddisk/volume_1/data/public/may", 0755), 0);
-  EXPECT_EQ(album({"set", "--enabled", "yes", "--folder", "/DISK 1/may"}).error, "");
+  expect({"album", "set", "--enabled", "yes", "--folder", "/DISK 1/may"});
   EXPECT_EQ(shown({"show"}),
             Json::parse(R"({"enabled": true, "folder": "/DISK 1/may", "music": ""})"));
-  EXPECT_EQ(album({"apply"}).error, "");
-  EXPECT_TRUE(exists("/etc/photo_album"));
+  expect({"album", "apply"});
   EXPECT_EQ(run({"readlink", "/etc/photo_album"}).out, "/harddisk/volume_1/data/public/may\n");
-  EXPECT_EQ(album({"set", "--enabled", "no"}).error, "");
-  EXPECT_EQ(album({"apply"}).error, "");
-  EXPECT_FALSE(exists("/etc/photo_album"));
-}
-
-TEST_F(FileshareAlbumTest, AlbumWhoseShareIsGoneIsNotAppliedNorSwitchedOn) {
-  EXPECT_EQ(album({"set", "--enabled", "yes"}).error, "");
   write("/etc/share.info", "");
   EXPECT_EQ(album({"apply"}).status, 1);
   EXPECT_EQ(album({"set", "--enabled", "yes"}).error,
             "fileshare: can not save the settings of the album: folder: there is no such share\n");
-  EXPECT_EQ(album({"set", "--enabled", "no"}).error, "");
-  EXPECT_EQ(album({"apply"}).error, "") << "off and unlinked";
+  expect({"album", "set", "--enabled", "no"});
+  expect({"album", "apply"});
+  EXPECT_FALSE(exists("/etc/photo_album"));
 }
 
 TEST_F(FileshareAlbumTest, RefusedTextsChangeNothing) {
   const std::string save = "can not save the settings of the album: folder: there is no such ";
-  const std::string add = "can not add folder ";
   expect_refused({
       {{"album", "set", "--folder", "/DISK 1/nowhere"}, 1, save + "folder\n"},
       {{"album", "set", "--folder", "/Nobody"}, 1, save + "share\n"},
@@ -57,25 +49,14 @@ TEST_F(FileshareAlbumTest, RefusedTextsChangeNothing) {
        1,
        "can not add album user \"Alice\": a user of this name exists"},
       {{"album", "user", "add", "x]"}, 2, "NAME: "},
-      {{"album", "user", "add", "x", "--text1", "a:b"},
-       2,
-       "--text1: text 1 can not contain \":\"\n"},
+      {{"album", "user", "add", "x", "--text1", "a:b"}, 2, "--text1: "},
       {{"album", "user", "add", "x", "--text2", std::string(16, 't')}, 2, "--text2: "},
       {{"album", "user", "update", "alice", "--name", "VISITOR"},
        1,
        "can not update album user \"alice\": "},
-      {{"album", "user", "update", "x", "--text1", "a"},
-       1,
-       "can not update album user \"x\": the album has"},
-      {{"album", "folder", "add", "x", "may"},
-       1,
-       add + "\"may\" of album user \"x\": the album has no user"},
-      {{"album", "folder", "add", "alice", "/garden", "--right", "2"},
-       2,
-       "FOLDER: a folder of the album "},
+      {{"album", "folder", "add", "alice", "/garden", "--right", "2"}, 2, "FOLDER: "},
       {{"album", "folder", "add", "alice", "a/../.."}, 2, "FOLDER: "},
       {{"album", "folder", "add", "alice", "a\n[bob]"}, 2, "FOLDER: "},
-      {{"album", "folder", "add", "alice", "a", "--right", "-1"}, 2, "--right: "},
       {{"album", "folder", "remove", "alice", "may"},
        1,
        "can not remove folder \"may\" of album user "},

@@ -108,13 +108,11 @@ TEST_F(MediaControlTest, ServersWithTheirFolderOnTheVolumeStop) {
   const char* const apart = "itune_path=/Music\nbroad_path=/Pop/Old\n";
   const char* const same = "itune_path=/Popular\nbroad_path=/Pop\n";
   const Case cases[] = {
-      {apart, 3, nullptr, 0, true, true},
       {apart, 1, "X", 1, false, true}, /* volume 1: the prefix does not count */
       {apart, 2, nullptr, 4, true, false},
       {apart, 2, "po", 0, true, true},
       {same, 2, "Pop", 5, false, false},
       {same, 2, "Popu", 1, false, true},
-      {same, 2, "", 5, false, false},
       /* Servers whose folder is gone stop for any volume, and are not to be started again. */
       {"itune_path=/Gone\nbroad_path=/Pop/Gone\n", 3, "X", 0, false, false},
       {"itune_path=/Music\n", 1, nullptr, 1, false, false},
