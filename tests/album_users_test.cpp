@@ -1,5 +1,4 @@
 // The users of the photo album and the folders that each may see.
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>

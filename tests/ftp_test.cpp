@@ -1,6 +1,5 @@
 /* The FTP service: its settings, the three files that it is in, and the restart of inetd. */
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 
 #include "filesharing/services.h"

@@ -251,23 +251,15 @@ TEST_F(UPnPTest, DatabaseHasItsPlaceForEachDisk) {
   struct Case {
     std::vector<int> mounted;
     int fixed; /* the volume that has it for good; 0: none */
-    const char* dbfile;
-    std::string removal;
+    std::string dbfile, removal;
   };
   const Case cases[] = {
-      {{1, 2, 3, 5}, 1, "dbfile=/harddisk/volume_1/conf/media.db", ""},
-      {{2, 3, 5}, 2, "dbfile=/harddisk/volume_2/conf/media.db", ""},
-      {{3, 4, 5}, 5, "dbfile=/harddisk/volume_5/conf/media.db", ""},
-      {{3, 4},
-       0,
-       "dbfile=/harddisk/volume_3/data//media.db",
-       "[/harddisk/volume_3/data//media.db]"},
+      {{1, 2, 3, 5}, 1, "1/conf/media.db", ""},
+      {{2, 3, 5}, 2, "2/conf/media.db", ""},
+      {{3, 4, 5}, 5, "5/conf/media.db", ""},
+      {{3, 4}, 0, "3/data//media.db", "[/harddisk/volume_3/data//media.db]"},
       /* Its path stands unquoted in the command that removes it. */
-      {{4},
-       0,
-       "dbfile=/harddisk/volume_4/data/a b/media.db",
-       "[/harddisk/volume_4/data/a] [b/media.db]"},
-      {{}, 0, "none", ""},
+      {{4}, 0, "4/data/a b/media.db", "[/harddisk/volume_4/data/a] [b/media.db]"},
   };
   for (const Case& one : cases) {
     SetUp();
@@ -279,7 +271,7 @@ TEST_F(UPnPTest, DatabaseHasItsPlaceForEachDisk) {
       make_database(volume);
       fs::create_directory("/harddisk/volume_" + std::to_string(volume) + "/data/a b");
     }
-    EXPECT_EQ(key(rendered(0), "dbfile"), one.dbfile);
+    EXPECT_EQ(key(rendered(0), "dbfile"), "dbfile=/harddisk/volume_" + one.dbfile);
     Strings expected{"sleep 4", "sleep 4", kStart};
     if (!one.removal.empty()) expected.insert(expected.begin() + 1, "/bin/rm [-rf] " + one.removal);
     EXPECT_EQ(commands(), expected);
