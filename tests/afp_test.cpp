@@ -101,7 +101,11 @@ TEST_F(AfpTest, ServerLineHasOneBlankBehindEachToken) {
   };
   for (const auto& [record, line] : cases) {
     clear_commands();
+    const Snapshot before = snapshot();
+    Strings settling;
+    at_sleep(1, [&] { settling = changes(before); });
     EXPECT_EQ(SetAFPDConf(record), 0u);
+    EXPECT_EQ(settling.back(), "+/tmp/tmpfile.XXXXXX") << "it goes when the line has settled";
     EXPECT_EQ(read(kAfpd), line);
     EXPECT_EQ(commands(), Strings({kCopyAfpd, kCopyAfpd, "sleep 2"}));
   }
