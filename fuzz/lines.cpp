@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::size_t kLongerThanBlocks = 40000;
+
 // Lines with their ends, one after the other, are the text again.
 void read_lines(std::string text) {
   const fuzz::File file = fuzz::open_text(text);
@@ -19,6 +21,19 @@ void read_lines(std::string text) {
   }
   fuzz::require(line == nullptr);
   fuzz::require(has_zero_byte || read_back == text);
+}
+
+// Read in blocks, lines are the same.
+void read_blocks(std::string text) {
+  const fuzz::File file = fuzz::open_text(text);
+  const fuzz::File again = fuzz::open_text(text);
+  filesharing::LineReader line(file.get());
+  filesharing::BlockLineReader block_line(again.get());
+  while (line.next()) {
+    fuzz::require(block_line.next());
+    fuzz::require(block_line.text() == line.text());
+  }
+  fuzz::require(!block_line.next());
 }
 
 void read_pieces(std::string text, std::size_t most) {
@@ -51,6 +66,13 @@ void strip(const std::string& text) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = fuzz::Input(data, size).rest();
   read_lines(text);
+  read_blocks(text);
+  // A file that is longer than a block, whose lines end at any place in it.
+  if (!text.empty() && data[0] % 16 == 0) {
+    std::string longer;
+    while (longer.size() < kLongerThanBlocks) longer += text;
+    read_blocks(longer);
+  }
   read_pieces(text, size == 0 ? 1 : std::size_t{data[0]} + 1);
   strip(text);
   return 0;

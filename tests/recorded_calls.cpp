@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 const char* const kCommandLog = "/var/log/commands";
@@ -28,8 +30,10 @@ void record(const char* call, unsigned duration) {
 
 }  // namespace
 
-/* The programs that a program runs, daemons among them, do wait. */
+/* The programs that a program runs, daemons among them, do wait. What valgrind starts is the
+ * program itself. */
 __attribute__((constructor)) static void spare_other_programs() {
+  if (std::strncmp(program_invocation_short_name, "valgrind", 8) == 0) return;
   (void)unsetenv("LD_PRELOAD");
 }
 
