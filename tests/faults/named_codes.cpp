@@ -107,11 +107,15 @@ void collect(const std::string& function, std::map<unsigned, std::string>& codes
 
 }  // namespace
 
-std::map<unsigned, std::string> named_codes(const std::string& function) {
-  std::map<unsigned, std::string> codes{{FSH_OK, "0"}};
-  std::set<std::string> seen;
-  collect(function, codes, seen);
-  return codes;
+const std::map<unsigned, std::string>& named_codes(const std::string& function) {
+  static std::map<std::string, std::map<unsigned, std::string>> known;
+  const auto [entry, is_new] = known.try_emplace(function);
+  if (is_new) {
+    std::set<std::string> seen;
+    entry->second.emplace(FSH_OK, "0");
+    collect(function, entry->second, seen);
+  }
+  return entry->second;
 }
 
 const std::map<std::string, std::string>& exported_functions() {

@@ -7,7 +7,7 @@
 
 /* Code to name ("34", FSH_USER_NOT_ADDED; "0" for codes without one). -1 is 4294967295. Codes of
  * the functions that the comment refers to ("the results of X") are among them. */
-std::map<unsigned, std::string> named_codes(const std::string& function);
+const std::map<unsigned, std::string>& named_codes(const std::string& function);
 
 /* Every exported function, and the header that declares it ("users.h"). */
 const std::map<std::string, std::string>& exported_functions();
