@@ -1,127 +1,17 @@
 #include "tests/faults/operations.h"
 
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include "filesharing/filesharing.h"
+#include "tests/faults/devices.h"
+#include "tests/faults/records.h"
 
 namespace {
-
-/* ---- Records from texts, filled to their last byte by a long one ---------------------------- */
-
-template <size_t N>
-void fill(char (&field)[N], const char* text) {
-  std::memset(field, 0, N);
-  if (text != nullptr) std::memcpy(field, text, strnlen(text, N));
-}
-
-template <class Record>
-Record* cleared() {
-  static Record record;
-  std::memset(&record, 0, sizeof record);
-  return &record;
-}
-
-template <class Record>
-Record* named(const char* name) {
-  auto* const record = cleared<Record>();
-  fill(record->name, name);
-  return record;
-}
-
-UserInfo* user(Arguments& a) {
-  auto* const record = named<UserInfo>(a[0]);
-  fill(record->description, a[1]);
-  fill(record->password, a[2]);
-  record->quota = 250;
-  return record;
-}
-
-ShareInfo* share(Arguments& a) {
-  static ShareGroup family{"family", FSH_READ_WRITE, nullptr};
-  auto* const record = named<ShareInfo>(a[0]);
-  fill(record->comment, a[1]);
-  fill(record->path, a[2]);
-  record->volume = 1;
-  record->groups = &family;
-  fill(family.name, a[3]);
-  return record;
-}
-
-SambaSettings* samba(Arguments& a) {
-  auto* const record = cleared<SambaSettings>();
-  fill(record->msn_enable, a[0]);
-  fill(record->wins_enable, a[1]);
-  fill(record->wins_server, a[2]);
-  fill(record->w_d_name, a[3]);
-  fill(record->printer_name, a[4]);
-  record->code_page = 437;
-  return record;
-}
-
-AfpSettings* afp(Arguments& a) {
-  auto* const record = named<AfpSettings>(a[0]);
-  fill(record->unixcode, a[1]);
-  fill(record->maccode, a[2]);
-  fill(record->tm_share, a[3]);
-  record->enabled = 1;
-  return record;
-}
-
-UPnPAVSettings* upnp(Arguments& a) {
-  auto* const record = named<UPnPAVSettings>(a[0]);
-  fill(record->folder_share[0], a[1]);
-  fill(record->folder_path[0], a[2]);
-  fill(record->version, a[3]);
-  record->enabled = record->folder_used[0] = 1;
-  return record;
-}
-
-ITunesSettings* itunes(Arguments& a) {
-  auto* const record = named<ITunesSettings>(a[0]);
-  fill(record->path, a[1]);
-  return record;
-}
-
-BroadcastSettings* broadcast(Arguments& a) {
-  auto* const record = named<BroadcastSettings>(a[0]);
-  fill(record->path, a[1]);
-  fill(record->play_method, a[2]);
-  return record;
-}
-
-PhotoAlbumConf* album(Arguments& a) {
-  auto* const record = cleared<PhotoAlbumConf>();
-  fill(record->path, a[0]);
-  fill(record->back_music, a[1]);
-  record->enabled = 1;
-  return record;
-}
-
-AlbumUserInfo* album_user(Arguments& a) {
-  auto* const record = named<AlbumUserInfo>(a[0]);
-  fill(record->information1, a[1]);
-  fill(record->information2, a[2]);
-  return record;
-}
-
-NfsShare* nfs(Arguments& a) {
-  auto* const record = named<NfsShare>(a[0]);
-  fill(record->host, a[1]);
-  record->mask = 24;
-  return record;
-}
-
-GroupItem* group(Arguments& a) {
-  return named<GroupItem>(a[0]);
-}
 
 /* ---- Calls whose result is freed ------------------------------------------------------------ */
 
@@ -188,83 +78,6 @@ unsigned reference(char* text) {
 
 /* A folder, where translated paths are looked up. */
 constexpr char kData[] = "/harddisk/volume_1/data";
-
-/* ---- Devices -------------------------------------------------------------------------------- */
-
-struct Fixture : DeviceTest {
-  using DeviceTest::mount_volume;
-  using DeviceTest::read;
-};
-
-void put(const std::string& path, const std::string& content) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  std::ofstream(path) << content;
-}
-
-/* Gives keys of the settings file, "itune=no", another value. */
-void set(const Strings& lines) {
-  constexpr char kSettings[] = "/etc/CGI_ds.conf";
-  std::string text = Fixture::read(kSettings);
-  for (const std::string& line : lines) {
-    const size_t at = text.find("\n" + line.substr(0, line.find('=') + 1)) + 1;
-    text.replace(at, text.find('\n', at) - at, line);
-  }
-  put(kSettings, text);
-}
-
-/* Besides those that stay. */
-void two_users() {
-  const std::string text = Fixture::read("/etc/passwd");
-  const size_t bob = text.find("bob:"), carol = text.find("carol:");
-  put("/etc/passwd", text.substr(0, bob) + text.substr(carol));
-}
-
-void two_shares() {
-  std::string text = Fixture::read("/etc/share.info");
-  put("/etc/share.info", text.substr(0, text.find("Projects=")));
-}
-
-void second_disk() {
-  Fixture::mount_volume(2);
-}
-
-void flash_disk() {
-  const char* const folder = "/harddisk/volume_3/data/FLASH_1_1";
-  Fixture::mount_volume(3);
-  std::filesystem::create_directories(folder);
-  (void)mount("disk", folder, "tmpfs", 0, "");
-}
-
-void flash_share() {
-  flash_disk();
-  put("/etc/win_share.info", "FLASH_1_1=0:3:USB:/FLASH_1_1/:everyone:7\n");
-  put("/etc/samba/user_smb.conf", "[FLASH_1_1]\npath=/harddisk/volume_3/data/FLASH_1_1/\n");
-  put("/etc/netatalk/AppleVolumes.conf",
-      "\"/harddisk/volume_3/data/FLASH_1_1/\" \"[FLASH_1_1]\"  rwlist:@everyone allow:@everyone\n");
-}
-
-void backups() {
-  for (const char* name : {"passwd", "group", "usrgrp.info", "share.info", "smb.conf"}) {
-    put(std::string("/harddisk/volume_1/conf/") + name + ".ttt", "saved\n");
-  }
-}
-
-void media_files() {
-  put("/var/run/media_server.pid", "4242\n");
-  put("/var/run/media_scan.pid", "4243\n");
-  put("/harddisk/volume_1/conf/media.db/media_server.db", "songs");
-  put("/harddisk/volume_1/conf/media.db/db_ok", "");
-  put("/tmp/songs.gdb", "songs");
-  set({"music_broad=yes"});
-}
-
-/* One of the thumbnails has no picture; with more, the order would be the folder's. */
-void pictures() {
-  set({"album_enable=yes"});
-  put("/harddisk/volume_1/data/public/holiday/a.jpg", "a");
-  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/Thumbnail_a.jpg", "a");
-  put("/harddisk/volume_1/data/public/holiday/.Thumb_DB/Thumbnail_b.jpg", "b");
-}
 
 const Texts kDave{"dave", "Dave Miller", "word-77"};
 const Texts kFilms{"Films", "Films of the family", "/Films/", "family"};
