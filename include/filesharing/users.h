@@ -35,7 +35,7 @@ FSH_API void FreeUserNameList(UserNameItem* head);
 /* The listed users with all their fields and their groups, as a list that FreeUserList frees.
  * 0; FSH_ARGUMENT (20); FSH_CANNOT_OPEN (21): /etc/usrgrp.info; FSH_NO_MEMORY (23); the results of
  * GetUserNameList, GetUserInfo and GetUserGroupInfo (groups.h).
- * Each call that succeeds leaves one stream open until the process ends. */
+ * Each call that succeeds leaves one stream open until the process ends. Rewinds getpwent(3). */
 FSH_API unsigned GetAllUser(UserItem** head);
 
 /* Frees the list and the names of the groups in it. The membership records and their arrays are not
@@ -72,7 +72,8 @@ FSH_API int IsUserPassCorrect(const char* name, const char* password);
 /* Adds a user: record->name, description, password (plain; empty for none) and quota count. The uid
  * is the lowest free one from 2000 up. The user joins the group "everyone", also in the list of
  * /etc/usrgrp.info if there is one. With a password the name is not escaped for the shell: callers
- * refuse dollars, quotes and backslashes. Locks: password, group, user, SMB password.
+ * refuse dollars, quotes and backslashes. Locks: password, group, user, SMB password. Rewinds
+ * getpwent(3).
  * 0; FSH_ARGUMENT (20): the record or its name is missing; FSH_USER_EXISTS (26): /etc/passwd has
  * the name, in any letter case; FSH_USER_NOT_ADDED (34): a lock is taken or usrgrp.info was not
  * written; FSH_CANNOT_OPEN (21); FSH_NO_TEMPORARY (22); FSH_MALFORMED (24): an entry of "everyone";
