@@ -54,11 +54,4 @@ inline Strings last_of(const Strings& all, size_t count) {
   return Strings(all.end() - static_cast<std::ptrdiff_t>(std::min(count, all.size())), all.end());
 }
 
-/* The new files that the backup leaves, as DeviceTest::changes lists them. */
-inline Strings backups_left(const Strings& names) {
-  Strings list;
-  for (const std::string& name : names) list.push_back("+/harddisk/volume_1/conf/" + name + ".ttt");
-  return list;
-}
-
 #endif

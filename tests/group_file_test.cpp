@@ -41,7 +41,6 @@ TEST_F(GroupFileTest, AddUsersToSysGroup) {
   check(
       AddUsersToSysGroup, 24,
       {{"behind the others", "staff:x:1:Dave\n", "staff", "dave eve", "staff:x:1:Dave,dave,eve\n"},
-       {"no members yet", "staff:x:1:\n", "staff", "dave eve", "staff:x:1:dave,eve\n"},
        {"some are members", "staff:x:1:b,a\n", "staff", "a d b e", "staff:x:1:b,a,d,e\n"},
        {"only the first line, odd ones stay", kOdd + "staff:x:1:a\nstaff:x:1:a\n" + kOdd, "staff",
         "d", kOdd + "staff:x:1:a,d\nstaff:x:1:a\n" + kOdd},
@@ -51,8 +50,6 @@ TEST_F(GroupFileTest, AddUsersToSysGroup) {
         "staff:x:1:a,b\nx:x:2:\r\n"},
        {"no line feed at the end", "staff:x:1:a", "staff", "b", "staff:x:1:a,b"},
        {"blanks go, commas stay", "staff:x:1: a ,, b c ,\n", "staff", "d", "staff:x:1:a,,b c,,d\n"},
-       {"a comma for an empty list", "staff:x:1:,\n", "staff", "d", "staff:x:1:,d\n"},
-       {"unknown group", "staff:x:1:a", "other", "d", "staff:x:1:a"},
        {"40 characters", "staff:x:1:" + k40 + " \n", "staff", "d", "staff:x:1:" + k40 + ",d\n"},
        {"41 characters", "staff:x:1:a," + k41 + ",b\n", "staff", "d", ""}});
 }
@@ -62,13 +59,10 @@ TEST_F(GroupFileTest, AddUserToGroups) {
         {{"behind the others, in each line of each group",
           "family:x:1:\nstaff:x:2:bob\nx:x:3:bob\nstaff:x:4:alice\n", "carol", "staff none family",
           "family:x:1:carol\nstaff:x:2:bob,carol\nx:x:3:bob\nstaff:x:4:alice,carol\n"},
-         {"is a member", "staff:x:1:bob,carol\n", "carol", "staff", "staff:x:1:bob,carol\n"},
          {"odd lines stay", kOddLines + "staff:x:1:a\n\n\r\nx\n", "carol", "staff",
           kOddLines + "staff:x:1:a,carol\n\n\r\nx\n"},
          {"a line without a name", ":x:1:\nstaff:x:2:\n", "carol", "- staff",
           ":x:1:\nstaff:x:2:carol\n"},
-         {"only a line feed ends another group's line", "x:x:1:\rstaff:x:1:a\n", "carol", "staff",
-          "x:x:1:\rstaff:x:1:a\n"},
          {"no second line end", "staff:x:1:a\r\nx:x:2:\r\n", "carol", "staff",
           "staff:x:1:a,carol\nx:x:2:\r\n"},
          {"line feed at the end", "staff:x:1:a", "carol", "staff", "staff:x:1:a,carol\n"},
@@ -77,7 +71,6 @@ TEST_F(GroupFileTest, AddUserToGroups) {
          {"blanks and empty members go", "staff:x:1: a ,, b c ,\n", "carol", "staff",
           "staff:x:1:a,b c,carol\n"},
          {"41 characters", "family:x:1:\nstaff:x:1:" + k41 + "\n", "carol", "family staff", ""},
-         {"no third colon", "staff:x:1\n", "carol", "staff", ""},
          {"no second colon", "x:x:1:\nstaff:x", "carol", "staff", ""}});
 }
 
@@ -91,7 +84,6 @@ TEST_F(GroupFileTest, DelUsersFromGroup) {
         kOdd + "staff:x:1:\nstaff:x:1:bob\n" + kOdd},
        {"no line feed at the end", "staff:x:1:bob,a", "staff", "bob", "staff:x:1:a"},
        {"blanks and empty members go", "staff:x:1:, a , bob,\r\n", "staff", "bob", "staff:x:1:a\n"},
-       {"unknown group", kOdd, "other", "bob", kOdd},
        {"41 characters", "staff:x:1:bob," + k41 + "\n", "staff", "bob", ""}});
 }
 
@@ -102,21 +94,6 @@ TEST_F(GroupFileTest, DelUserFromGroups) {
         "bob", "staff none family", "family:x:1:a\nstaff:x:2:\nx:x:3:bob\nstaff:x:4:a\n"},
        {"no third colon", "staff:x:1\n", "bob", "staff", ""},
        {"41 characters", "staff:x:1:bob," + k41 + "\n", "bob", "staff", ""}});
-}
-
-/* More members and more users than any page lists. */
-TEST_F(GroupFileTest, ThreeHundredMembers) {
-  std::string members = "m";
-  std::string users;
-  std::string all;
-  for (int i = 0; i < 300; ++i) {
-    members += ",m" + std::to_string(i);
-    users += " u" + std::to_string(i);
-    all += ",u" + std::to_string(i);
-  }
-  write("/etc/group", "staff:x:1:" + members + "\n");
-  EXPECT_EQ(in_process([&] { return call(AddUsersToSysGroup, "staff", users + " m299"); }), 0u);
-  EXPECT_EQ(read("/etc/group"), "staff:x:1:" + members + all + "\n");
 }
 
 /* The counts of AddUsersToSysGroup go on within a process. */
