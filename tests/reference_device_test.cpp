@@ -34,13 +34,6 @@ TEST_F(ReferenceDeviceTest, PlannedCallFailsWithoutDoingItsWork) {
   EXPECT_TRUE(exists("/tmp/1") && !exists("/tmp/2") && !exists("/tmp/3") && exists("/tmp/4"));
 }
 
-TEST_F(ReferenceDeviceTest, CopyGoesThroughTheLinksOfTheAccountFiles) {
-  const Snapshot before = snapshot();
-  write("/tmp/tmpfile.a1B2c3", "root:x:0:0::/:/bin/sh\n");
-  EXPECT_EQ(system("/bin/cp -f /tmp/tmpfile.a1B2c3 /etc/passwd"), 0);
-  EXPECT_EQ(changes(before), Strings({"~/harddisk/volume_1/conf/passwd", "+/tmp/tmpfile.XXXXXX"}));
-}
-
 /* Two halves of one test: what the first leaves behind must be gone in the second. */
 class RenewalTest : public DeviceTest {
  protected:
@@ -92,25 +85,5 @@ TEST_F(ReferenceDeviceTest, CallerDoesNotWaitForACommandThatHangs) {
             }),
             0u);
 } /* and the end of the test does not either */
-
-TEST_F(ReferenceDeviceTest, ActionRunsWithinTheNthSleep) {
-  at_sleep(2, [] { write("/tmp/seen", "x"); });
-  sleep(1);
-  EXPECT_FALSE(exists("/tmp/seen"));
-  sleep(1);
-  EXPECT_TRUE(exists("/tmp/seen"));
-}
-
-TEST_F(ReferenceDeviceTest, ProgramsRunWithTheirInputAndOutput) {
-  const Outcome outcome = run({"sh", "-c", "cat; echo bad >&2; exit 3"}, "good\n");
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.out, "good\n");
-  EXPECT_EQ(outcome.error, "bad\n");
-}
-
-TEST_F(ReferenceDeviceTest, SmallVolumeFillsUp) {
-  mount_volume(2, "16k");
-  EXPECT_NE(system("dd if=/dev/zero of=/harddisk/volume_2/data/x bs=1k count=32 2>/dev/null"), 0);
-}
 
 }  // namespace
