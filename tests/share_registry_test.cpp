@@ -133,14 +133,33 @@ TEST_F(ShareRegistryTest, ShareIsLookedUp) {
   }
 }
 
+/* Each name in the order of the registry is looked up as GetShareInfo does it; the first record
+ * that can not be read ends the search. */
 TEST_F(ShareRegistryTest, FolderIsSharedByItsExactPathOnItsVolume) {
-  write(kRegistry, "Music=0:1::/Music/\n");
-  EXPECT_EQ(dir_shared("/Music", 1), 1);
-  EXPECT_EQ(dir_shared("/music/", 1), 0);
-  EXPECT_EQ(dir_shared("/Music/", 2), 0);
-  write(kRegistry, "Music=0:1::/Music/\nBad=0:1:c\n");
-  EXPECT_EQ(dir_shared("/Music/", 1), 1);
-  EXPECT_EQ(dir_shared("/music/", 1), -1); /* reaches a record that can not be read */
+  const std::string music = "Music=0:1::/Music/\n";
+  const struct {
+    std::string registry;
+    const char* path;
+    int volume;
+    int shared;
+  } cases[] = {
+      {music, "/Music", 1, 1},
+      {music, "/music/", 1, 0},
+      {music, "/Music/", 2, 0},
+      {music + "Bad=0:1:c\n", "/Music/", 1, 1},
+      {music + "Bad=0:1:c\n", "/music/", 1, -1},
+      {"Bad=0:1:c\n" + music, "/Music/", 1, -1},
+      {music + "[late]\nLate=0:1::/Late/\n", "/Late/", 1, -1},
+      {music + "MUSIC=0:1::/Other/\n", "/Other/", 1, 0},
+      {"MUSIC=\n" + music, "/Music/", 1, -1},
+      {"HDD_1=0:4:c\n", "/h/", 4, 1},
+      {"HDD_1=0:1::/f/\n", "/h/", 4, 0},
+  };
+  write(kRemovable, "hdd_1=0:4::/h/\r\n");
+  for (const auto& c : cases) {
+    write(kRegistry, c.registry);
+    EXPECT_EQ(dir_shared(c.path, c.volume), c.shared) << c.registry << c.path;
+  }
 }
 
 TEST_F(ShareRegistryTest, PublicShareOfAVolumeHasItsBlanksWrittenForUrls) {
