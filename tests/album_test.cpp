@@ -58,7 +58,6 @@ TEST_F(AlbumTest, OnlyAWholeYesIsOnAndTwoKeysMustBeThere) {
   EXPECT_EQ(ReadPhotoAlbumConf(&conf), -1);
   write(kSettings, "[photo_album]\nalbum_enable=yes\nalbum_back_music=\n");
   EXPECT_EQ(ReadPhotoAlbumConf(&conf), -1);
-  EXPECT_EQ(ReadPhotoAlbumConf(nullptr) + SavePhotoAlbumConf(nullptr), -2);
 }
 
 TEST_F(AlbumTest, AlbumOfAShareThatGoesAwayIsSwitchedOff) {

@@ -37,7 +37,6 @@ TEST_F(ITunesTest, ReadsKeysWithTheirDefaultsAndLimits) {
     EXPECT_EQ(ReadiTuneConf(&record), 0);
     EXPECT_EQ(std::to_string(record.enabled) + "|" + record.name + "|" + record.path, want);
   }
-  EXPECT_EQ(ReadiTuneConf(nullptr) + SaveiTuneConf(nullptr), -2);
 }
 
 TEST_F(ITunesTest, SavesItsKeysAndLeavesTheRest) {

@@ -1,9 +1,11 @@
-// Arguments that nobody should pass: each exported function with each of its texts replaced, and
-// with lists that are empty or longer than any other. The sanitizers watch for overruns.
+// Arguments that nobody should pass: each exported function with each of its texts replaced, with
+// lists that are empty or longer than any other, and without its record. The sanitizers watch for
+// overruns.
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "filesharing/filesharing.h"
 #include "tests/device_test.h"
 #include "tests/faults/interposed.h"
 #include "tests/faults/named_codes.h"
@@ -31,6 +33,83 @@ const Texts kHostile{
     "\xff\xfe\xc3(\xe2\x82\xed\xa0\x80\xf8",
     "\"`$(';|&<>*?[]{}~!#%s%n\\",
     "../../../..",
+};
+
+/* ---- Records, lists and arrays that are not there ------------------------------------------- */
+
+struct Missing {
+  std::string name;
+  unsigned code;
+  unsigned (*call)();
+};
+
+Missing missing(unsigned code, const char* name, unsigned (*call)()) {
+  return {name, code, call};
+}
+
+#define CALL(code, function, ...) \
+  missing(code, #function, [] { return static_cast<unsigned>(function(__VA_ARGS__)); })
+
+const char* const* const kNoNames = nullptr;
+
+const Missing kMissing[] = {
+    CALL(FSH_FAILED, AddAlbumUser, nullptr),
+    CALL(FSH_ARGUMENT, AddGroupToShares, "staff", kNoNames, 1, 0),
+    CALL(FSH_ARGUMENT, AddGroupsToShare, "Music", kNoNames, 1, 0),
+    CALL(FSH_ARGUMENT, AddShare, nullptr),
+    CALL(FSH_ARGUMENT, AddShareWithGroup, nullptr),
+    CALL(FSH_ARGUMENT, AddUser, nullptr),
+    CALL(FSH_ARGUMENT, AddUserToGroups, "carol", kNoNames, 1),
+    CALL(FSH_ARGUMENT, AddUsersToGroup, "staff", kNoNames, 1),
+    CALL(FSH_ARGUMENT, AddUsersToSysGroup, "staff", kNoNames, 1),
+    CALL(FSH_FAILED, CheckNFSShare, nullptr),
+    CALL(FSH_ARGUMENT, DelAllGRP, kNoNames, 1, "/etc/usrgrp.info"),
+    CALL(FSH_ARGUMENT, DelGroupFromShares, "family", kNoNames, 1),
+    CALL(FSH_ARGUMENT, DelGroupsFromShare, "Music", kNoNames, 1),
+    CALL(FSH_ARGUMENT, DelUserFromGroups, "alice", kNoNames, 1),
+    CALL(FSH_ARGUMENT, DelUsersFromGroup, "staff", kNoNames, 1),
+    CALL(FSH_FAILED, GetAlbumUserInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetAllGroup, nullptr),
+    CALL(FSH_ARGUMENT, GetAllShare, nullptr),
+    CALL(FSH_ARGUMENT, GetAllUser, nullptr),
+    CALL(FSH_ARGUMENT, GetExtShare, nullptr),
+    CALL(FSH_ARGUMENT, GetGroupShareInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetGroupUserInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetGrpNameList, nullptr),
+    CALL(FSH_ARGUMENT, GetShareGroup, nullptr),
+    CALL(FSH_ARGUMENT, GetShareInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetShareNameList, nullptr),
+    CALL(FSH_ARGUMENT, GetShareWithGroup, nullptr),
+    CALL(FSH_ARGUMENT, GetUserGroupInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetUserInfo, nullptr),
+    CALL(FSH_ARGUMENT, GetUserNameList, nullptr),
+    CALL(FSH_ARGUMENT, ReadAFPConf, nullptr),
+    CALL(FSH_FAILED, ReadBroadConf, nullptr),
+    CALL(FSH_FAILED, ReadFTPConf, nullptr),
+    CALL(FSH_FAILED, ReadNFSConf, nullptr),
+    CALL(FSH_ARGUMENT, ReadNFSShare, nullptr),
+    CALL(FSH_ARGUMENT, ReadNFSShares, nullptr),
+    CALL(FSH_FAILED, ReadPhotoAlbumConf, nullptr),
+    CALL(FSH_ARGUMENT, ReadSambaConf, nullptr),
+    CALL(FSH_FAILED, ReadUPnPAVConf, nullptr),
+    CALL(FSH_FAILED, ReadiTuneConf, nullptr),
+    CALL(FSH_AFP_NOT_SAVED, SaveAFPConf, nullptr),
+    CALL(FSH_FAILED, SaveBroadConf, nullptr),
+    CALL(FSH_FAILED, SaveFTPConf, nullptr),
+    CALL(FSH_FAILED, SaveNFSConf, nullptr),
+    CALL(FSH_FAILED, SavePhotoAlbumConf, nullptr),
+    CALL(FSH_ARGUMENT, SaveSambaConf, nullptr),
+    CALL(FSH_FAILED, SaveUPnPAVConf, nullptr),
+    CALL(FSH_FAILED, SaveiTuneConf, nullptr),
+    CALL(FSH_ARGUMENT, SetAFPShare, nullptr, 0),
+    CALL(FSH_ARGUMENT, SetSmbShare, nullptr, 0),
+    CALL(FSH_ARGUMENT, ShareStringPar, "0:1:Songs:/Music/", nullptr),
+    CALL(FSH_ARGUMENT, SysDelAllGroup, kNoNames, 1),
+    CALL(FSH_FAILED, UpdateAlbumUser, "alice", nullptr),
+    CALL(FSH_ARGUMENT, UpdateShare, "Music", nullptr),
+    CALL(FSH_ARGUMENT, UpdateUser, "bob", nullptr),
+    CALL(FSH_ARGUMENT, WriteAFPShare, nullptr),
+    CALL(FSH_ARGUMENT, WriteSmbShare, nullptr),
 };
 
 /* The arguments of one call. */
@@ -102,6 +181,16 @@ TEST_F(HostileTest, ListsAreTakenOrRefused) {
                      {operation.texts, Strings(3)}});
   }
   EXPECT_EQ(unnamed_, 0u) << "codes that the header does not name";
+}
+
+TEST_F(HostileTest, WhatIsMissingIsToldAndNothingDone) {
+  const Snapshot before = snapshot();
+  for (const auto& [name, code, call] : kMissing) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(named_codes(name).contains(code));
+    EXPECT_EQ(in_process(call), code);
+    EXPECT_EQ(changes(before), Strings());
+  }
 }
 
 }  // namespace
