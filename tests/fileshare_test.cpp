@@ -106,8 +106,9 @@ TEST_F(FileshareTest, ShowsAUserAndTellsWhenTheQuotaListLacksIt) {
 }
 
 TEST_F(FileshareTest, ErrorLineTellsOperationReasonAndCode) {
-  const std::string unknown = "there is no user of this name (code 33)\n";
-  expect_refused({{{"user", "show", "list"}, 1, "can not show user \"list\": " + unknown}});
+  expect_refused({{{"user", "show", "list"},
+                   1,
+                   "can not show user \"list\": there is no user of this name (code 33)\n"}});
   replace("/etc/usrgrp.info", "alice:500", "alice");
   expect_refused({{{"user", "show", "bob"},
                    1,
@@ -139,11 +140,10 @@ TEST_F(FileshareTest, RefusesNamesThatWouldBreakFilesOrCommands) {
 }
 
 TEST_F(FileshareTest, UsageErrorsNameWhatIsWrong) {
-  const std::string usage = "Try \"fileshare user show --help\".\n";
   expect_refused({
       {{}, 2, "a verb is missing\nTry \"fileshare --help\".\n"},
       {{"user", "ad"}, 2, "\"ad\" is not known here\nTry \"fileshare user --help\".\n"},
-      {{"user", "show"}, 2, "NAME is required\n" + usage},
+      {{"user", "show"}, 2, "NAME is required\nTry \"fileshare user show --help\".\n"},
       {{"lock", "clear", "pas"}, 2, "FILE: pas not in {pass,grp,user,share,smb,"},
   });
 }
@@ -225,16 +225,13 @@ TEST_F(FileshareTest, ARefusedBackupOrRestoreReleasesItsOwnLocksAlone) {
 
 // Copies of a change that was done are older than what others did since.
 TEST_F(FileshareTest, RecoversNothingFromLocksWithoutADeadChange) {
-  const std::string none = "no lock is taken: no change was interrupted\n";
-  expect({"recover"}, none);
+  expect({"recover"}, "no lock is taken: no change was interrupted\n");
   expect({"backup"});
   expect({"group", "add", "chess"});
   const Snapshot before = snapshot();
-  write("/tmp/pass.lck", "");  // as a refused change leaves them
-  write("/tmp/grp.lck", "");
-  write("/tmp/user.lck", "");
-  write("/tmp/share.lck", "");
-  write("/tmp/album.lck", "");
+  for (const char* lock : {"pass", "grp", "user", "share", "album"}) {
+    write(std::string("/tmp/") + lock + ".lck", "");  // as a refused change leaves them
+  }
   expect({"recover"},
          "cleared lock \"pass\"\ncleared lock \"grp\"\ncleared lock \"user\"\n"
          "cleared lock \"share\"\ncleared lock \"album\"\n");

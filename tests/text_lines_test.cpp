@@ -77,80 +77,74 @@ TEST_F(TextLinesTest, ItemExistComparesTheFirstFieldInAnyCase) {
   }
 }
 
-TEST_F(TextLinesTest, MemberListOfAGroupLineIsReadNameByName) {
-  std::FILE* file = stream("staff:x:2000: alice, b b ,,c\nshort\nnext:x:1:");
-  char buf[16];
-  int last = 0;
-  EXPECT_EQ(GotoUserName(buf, sizeof buf, file), 1);
-  EXPECT_STREQ(buf, "staff:x:2000:");
-  const std::pair<const char*, int> names[] = {{"alice", 0}, {"b b ", 0}, {"", 1}, {"c", 0}};
-  for (const auto& [name, result] : names) {
-    EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), result) << name;
-    EXPECT_STREQ(buf, name);
-    EXPECT_EQ(last, std::strcmp(name, "c") == 0 ? 1 : 0);
+int go(char* buf, int size, int*, std::FILE* file) {
+  return GotoUserName(buf, size, file);
+}
+int name(char* buf, int size, int* last, std::FILE* file) {
+  return GetUserName(buf, size, last, file);
+}
+int group(char* buf, int size, int* status, std::FILE* file) {
+  return ReadGroup(buf, size, file, status);
+}
+int key(char* buf, int size, int*, std::FILE* file) {
+  return readvkey(buf, size, file);
+}
+
+// One field after another: how the read ended, what it gave, what else it told.
+TEST_F(TextLinesTest, FieldsOfAccountLines) {
+  constexpr int kNothing = 7;
+  struct Read {
+    int (*function)(char*, int, int*, std::FILE*);
+    int result;
+    const char* text;
+    int told = kNothing;
+  };
+  const std::tuple<std::string, int, std::vector<Read>> lines[] = {
+      {"staff:x:2000: alice, b b ,,c\nshort\nnext:x:1:",
+       16,
+       {{go, 1, "staff:x:2000:"},
+        {name, 0, "alice", 0},
+        {name, 0, "b b ", 0},
+        {name, 1, "", 0},
+        {name, 0, "c", 1},
+        {go, 2, "short"},
+        {go, 1, "next:x:1:"},
+        {name, 2, "", 1},
+        {go, 3, ""}}},
+      // a full buffer ends a read without losing the character that did not fit
+      {"abcdef,gh:ij:kl:mn\nop",
+       4,
+       {{name, 0, "abc", 1},
+        {name, 0, "def", 1},
+        {name, 1, "", 0},
+        {go, 2, "gh:"},
+        {group, 3, "ij:", 1},
+        {key, 3, "kl:"},
+        {key, 3, "mn\n"},
+        {key, 2, "op"},
+        {key, 0, ""}}},
+      // the line feed behind a carriage return is a line of its own
+      {"a:x:1:m\nab\r\nxy",
+       41,
+       {{group, 6, "a:x:1:", 0},
+        {group, 1, "m", 1},
+        {group, 2, "ab", 1},
+        {group, 0, "", 1},
+        {group, 2, "xy", 2}}},
+      // a size that a subtraction would overflow
+      {"a,b:c", std::numeric_limits<int>::min(), {{group, 0, "~", 1}, {go, 2, "~"}, {key, 0, "~"}}},
+  };
+  for (const auto& [text, size, reads] : lines) {
+    std::FILE* file = stream(text);
+    for (const Read& read : reads) {
+      SCOPED_TRACE(text + read.text);
+      char buf[48] = "~";
+      int told = kNothing;
+      EXPECT_EQ(read.function(buf, size, &told, file), read.result);
+      EXPECT_STREQ(buf, read.text);
+      EXPECT_EQ(told, read.told);
+    }
   }
-  EXPECT_EQ(GotoUserName(buf, sizeof buf, file), 2);
-  EXPECT_STREQ(buf, "short");
-  EXPECT_EQ(GotoUserName(buf, sizeof buf, file), 1);
-  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), 2);
-  EXPECT_EQ(last, 1);
-  EXPECT_EQ(GotoUserName(buf, sizeof buf, file), 3);
-  EXPECT_STREQ(buf, "");
-}
-
-// A full buffer ends a read without losing the character that did not fit.
-TEST_F(TextLinesTest, FullBuffersLoseNothing) {
-  std::FILE* file = stream("abcdef,gh:ij:kl:mn\nop");
-  char buf[4];
-  int last = 0;
-  int status = 0;
-  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), 0);
-  EXPECT_STREQ(buf, "abc");
-  EXPECT_EQ(last, 1);
-  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), 0);
-  EXPECT_STREQ(buf, "def");
-  EXPECT_EQ(GetUserName(buf, sizeof buf, &last, file), 1);  // the comma alone
-  EXPECT_EQ(last, 0);
-  EXPECT_EQ(GotoUserName(buf, sizeof buf, file), 2);
-  EXPECT_STREQ(buf, "gh:");
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 3);
-  EXPECT_STREQ(buf, "ij:");
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(readvkey(buf, sizeof buf, file), 3);
-  EXPECT_STREQ(buf, "kl:");
-  EXPECT_EQ(readvkey(buf, sizeof buf, file), 3);
-  EXPECT_STREQ(buf, "mn\n");
-  EXPECT_EQ(readvkey(buf, sizeof buf, file), 2);
-  EXPECT_EQ(readvkey(buf, sizeof buf, file), 0);
-  EXPECT_STREQ(buf, "");
-}
-
-TEST_F(TextLinesTest, FieldReadersDoWithoutABuffer) {
-  const int least = std::numeric_limits<int>::min();  // a size that a subtraction would overflow
-  char buf[16] = "before";
-  std::FILE* file = stream("a,b:c:d:e");
-  EXPECT_EQ(GetUserName(nullptr, 16, nullptr, file), 1);
-  EXPECT_EQ(ReadGroup(buf, least, file, nullptr), 0);
-  EXPECT_EQ(GotoUserName(buf, least, file), 2);
-  EXPECT_EQ(readvkey(nullptr, 16, file), 0);
-}
-
-TEST_F(TextLinesTest, ReadGroupTellsHowTheLineStopped) {
-  std::FILE* file = stream("a:x:1:m\nab\r\nxy");
-  char buf[41];
-  int status = 7;
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 6);
-  EXPECT_STREQ(buf, "a:x:1:");
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 1);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 2);
-  EXPECT_STREQ(buf, "ab");
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 0);  // the line feed after the return
-  EXPECT_EQ(ReadGroup(buf, sizeof buf, file, &status), 2);
-  EXPECT_STREQ(buf, "xy");
-  EXPECT_EQ(status, 2);
 }
 
 TEST_F(TextLinesTest, TemporaryFilesGoToTheConfigurationVolume) {
