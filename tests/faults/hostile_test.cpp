@@ -3,6 +3,7 @@
 // overruns.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "filesharing/filesharing.h"
@@ -181,6 +182,56 @@ TEST_F(HostileTest, ListsAreTakenOrRefused) {
                      {operation.texts, Strings(3)}});
   }
   EXPECT_EQ(unnamed_, 0u) << "codes that the header does not name";
+}
+
+/* Records in a list, with names as long as their fields. */
+template <class Record>
+std::vector<Record> linked(size_t count) {
+  std::vector<Record> records(count);
+  for (size_t number = 0; number < count; ++number) {
+    std::string name = std::to_string(number);
+    name.resize(sizeof Record::name - 1, 'n');
+    name.copy(records[number].name, name.size());
+    records[number].next = number + 1 < count ? &records[number + 1] : nullptr;
+  }
+  return records;
+}
+
+TEST_F(HostileTest, AccessListsOfAnyLengthAreKeptWhole) {
+  for (const size_t count : {0u, 255u, 300u}) {
+    SCOPED_TRACE(count);
+    SetUp();
+    std::vector<ShareGroup> groups = linked<ShareGroup>(count);
+    for (ShareGroup& group : groups) group.rights = FSH_READ_WRITE;
+    ShareInfo films{"Films", "", "/Films/", 1, 0, groups.data(), nullptr};
+    in_process([&] {
+      EXPECT_EQ(AddShareWithGroup(&films), 0u);
+      const std::string registry = read("/etc/share.info");
+      EXPECT_EQ(AddGroupToShare("staff", "Films", 0), 0u);
+      EXPECT_EQ(DelGroupFromShare("staff", "Films"), 0u);
+      EXPECT_TRUE(read("/etc/share.info") == registry);
+      EXPECT_EQ(UpdateShare("Films", &films), 0u);
+      EXPECT_EQ(SetSmbShare(&films, 1) + SetAFPShare(&films, 1), 0u);
+      EXPECT_TRUE(read("/etc/share.info") == registry);
+      EXPECT_EQ(std::ranges::count(registry.substr(registry.find("Films=")), ','),
+                count < 2 ? 0 : static_cast<long>(count) - 1);
+      return 0u;
+    });
+  }
+}
+
+TEST_F(HostileTest, AnyNumberOfSharesIsExported) {
+  for (const size_t count : {255u, 300u}) {
+    std::vector<ShareInfo> shares = linked<ShareInfo>(count);
+    ShareGroup everyone{"everyone", FSH_READ_ONLY, nullptr};
+    for (ShareInfo& share : shares) {
+      share.groups = &everyone;
+      share.volume = 1;
+      std::ranges::fill(share.path, 'p');
+    }
+    EXPECT_EQ(UpdateNFSConf(shares.data()), 0u);
+    EXPECT_EQ(std::ranges::count(read("/etc/exports"), '\n'), static_cast<long>(count));
+  }
 }
 
 TEST_F(HostileTest, WhatIsMissingIsToldAndNothingDone) {
