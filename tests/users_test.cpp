@@ -48,16 +48,6 @@ TEST_F(UsersTest, ListedByIdAndLengthOfTheNameInFileOrder) {
   for (const char* name : {"Zoe", "zo", "zoee", "root"}) EXPECT_EQ(UserExist(name), 0) << name;
 }
 
-/* The file is read in blocks of 16,384 bytes. */
-TEST_F(UsersTest, LinesOfAnyLengthAreListedWhole) {
-  for (const size_t length : {16382, 16383, 16384, 16385, 32768, 50000}) {
-    std::string accounts = "a:x:2000:501:";
-    accounts.append(length - 1 - accounts.size(), 'd');
-    write("/etc/passwd", accounts + "\nb:x:2001:501:\nc:x:2002:");
-    EXPECT_EQ(GetNumOfUsers(), 3u) << length;
-  }
-}
-
 TEST_F(UsersTest, MalformedAccountLineEndsTheListing) {
   UserNameItem* head = nullptr;
   const std::string admin = "admin:x:500:501:::\n";
