@@ -57,16 +57,16 @@ TEST_F(MembershipTest, ListsOfMembers) {
 /* ---- Steps ---- */
 
 TEST_F(MembershipTest, CommandsInTheirOrder) {
-  const std::tuple<MemberFunction, const char*, const char*, int, int, Strings> cases[] = {
-      {AddUsersToGroup, "family", "bob", 1, 1, {"sync"}},
-      {AddUserToGroups, "bob", "family", 1, 2, {}},
-      {DelUsersFromGroup, "staff", "bob", 2, 2, {}},
-      {DelUserFromGroups, "bob", "staff", 2, 2, {}},
+  const std::tuple<std::function<unsigned()>, int, int, Strings> cases[] = {
+      {[] { return call(AddUsersToGroup, "family", "bob"); }, 1, 1, {"sync"}},
+      {[] { return call(AddUserToGroups, "bob", "family"); }, 1, 2, {}},
+      {[] { return call(DelUsersFromGroup, "staff", "bob"); }, 2, 2, {}},
+      {[] { return call(DelUserFromGroups, "bob", "staff"); }, 2, 2, {}},
   };
   const Strings settled = {"sync", "sleep 1"};
-  for (const auto& [function, name, names, group_copies, list_copies, at_end] : cases) {
+  for (const auto& [change, group_copies, list_copies, at_end] : cases) {
     SetUp();
-    EXPECT_EQ(call(function, name, names), 0u);
+    EXPECT_EQ(in_process(change), 0u);
     EXPECT_EQ(commands(), joined({backed_up("group"), backed_up("usrgrp.info"),
                                   replaced("/etc/group", group_copies), settled,
                                   replaced("/etc/usrgrp.info", list_copies), settled, at_end}));
