@@ -52,6 +52,7 @@ TEST_F(AddUserTest, LowestFreeIdIsTakenOnALineOfItsOwn) {
       {"a:x:2000:501:::\nb:x:2001:501:::\n", "dave:JqQ7vIFy3N7KM:2002"},
       {"a:x:2000:501:::\nb:x:2002:501:::", "\ndave:JqQ7vIFy3N7KM:2001"},
       {"a:x:1999:501:::\nb:x:20000:501:::\n", "dave:JqQ7vIFy3N7KM:2000"},
+      {"b:x:2001:501:::\na:x:2000:501:::\n+c:x:2002:501:::\nd:x:2003\n", "dave:JqQ7vIFy3N7KM:2002"},
   };
   for (const auto& [accounts, start] : cases) {
     write("/etc/passwd", accounts);
