@@ -152,7 +152,7 @@ FSH_API unsigned GetGroupUserInfo(GroupUserInfo* record);
  * FreeUserGroupInfo frees the contents. Results as GetGroupUserInfo. */
 FSH_API unsigned GetUserGroupInfo(GroupUserInfo* record);
 
-/* Free the strings of the list and the list, not the record. */
+/* Free the strings of the list and the list, not the record; null is passed over. */
 FSH_API void FreeGroupUserInfo(GroupUserInfo* record);
 FSH_API void FreeUserGroupInfo(GroupUserInfo* record);
 
