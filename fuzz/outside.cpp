@@ -213,6 +213,12 @@ struct passwd* getpwnam(const char* name) {
   return real_getpwnam(name);
 }
 
+int __cxa_atexit(void (*at_exit)(void*), void* object, void* library) {
+  static const auto real_atexit = real<int(void (*)(void*), void*, void*)>("__cxa_atexit");
+  const WithoutReplacement real_calls;
+  return real_atexit(at_exit, object, library);
+}
+
 struct passwd* getpwuid(uid_t uid) {
   static const auto real_getpwuid = real<struct passwd*(uid_t)>("getpwuid");
   const WithoutReplacement real_calls;
