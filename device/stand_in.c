@@ -6,10 +6,9 @@
  * do their work through busybox, and the others succeed.
  *
  * A plan is /run/stand_in/NAME, lines of "N ACTION VALUE": the N-th call since the plan was made
- * (0: every call) does no work but acts: "exit" with the status VALUE, "kill" itself with the
- * signal VALUE, or "hang". The plan "any" counts the calls of all programs. Its actions are those
- * of a power cut: "off" kills the group of processes that the call belongs to, "cut" has a copy
- * first write half of what it should.
+ * (0: every call) does no work but acts: "exit" with the status VALUE. The plan "any" counts the
+ * calls of all programs. Its actions are those of a power cut: "off" kills the group of processes
+ * that the call belongs to, "cut" has a copy first write half of what it should.
  */
 #include <fcntl.h>
 #include <signal.h>
@@ -104,10 +103,8 @@ static void follow_plan(const char* name, char** arguments) {
   while (fscanf(plan, "%ld %7s %d", &nth, action, &value) == 3) {
     if (nth != 0 && nth != number) continue;
     if (strcmp(action, "exit") == 0) exit(value);
-    if (strcmp(action, "kill") == 0) kill(getpid(), value);
     if (strcmp(action, "cut") == 0) copy_half(arguments);
-    if (strcmp(action, "hang") != 0) kill(0, SIGKILL);
-    for (;;) pause();
+    kill(0, SIGKILL);
   }
   fclose(plan);
 }

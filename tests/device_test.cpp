@@ -35,8 +35,6 @@ constexpr const char* kWatched[] = {"/etc", "/harddisk", "/home", "/tmp", "/usr/
 constexpr int kSanitizerFault = 99;
 constexpr const char* kSanitizerOptions = "exitcode=99:verify_asan_link_order=0";
 
-bool something_hangs = false;
-
 /* Out of the reach of detached processes, which close the descriptors 0 to 63. */
 constexpr int kFirstHighDescriptor = 100;
 
@@ -247,14 +245,11 @@ void DeviceTest::SetUp() {
   (void)umask(022);
   ASSERT_EQ(chdir("/"), 0);
   set_sleep_action(0, nullptr);
-  something_hangs = false;
   Device::renew();
   errno = 0;
 }
 
 void DeviceTest::TearDown() {
-  /* All but this process and the device's first: what hangs would be waited for without end. */
-  if (something_hangs) (void)kill(-1, SIGKILL);
   wait_for_background();
 }
 
@@ -320,15 +315,6 @@ void DeviceTest::clear_commands() {
 
 void DeviceTest::fail_command(const std::string& name, int nth, int status) {
   plan(name, nth, "exit", status);
-}
-
-void DeviceTest::kill_command(const std::string& name, int nth, int signal) {
-  plan(name, nth, "kill", signal);
-}
-
-void DeviceTest::hang_command(const std::string& name, int nth) {
-  plan(name, nth, "hang", 0);
-  something_hangs = true;
 }
 
 void DeviceTest::cut_power(int nth, bool half_copied) {

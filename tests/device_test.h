@@ -81,10 +81,8 @@ class DeviceTest : public testing::Test {
    * "sleep 2", "sync". */
   static Strings commands();
   static void clear_commands();
-  /* The nth call of the program from now on (0: each call) does nothing but exit or die. */
+  /* The nth call of the program from now on (0: each call) does nothing but exit. */
   static void fail_command(const std::string& name, int nth, int status = 1);
-  static void kill_command(const std::string& name, int nth, int signal);
-  static void hang_command(const std::string& name, int nth);
   /* The nth call of any program does no work, or as a copy half of it, and the group of processes
    * that it belongs to dies. */
   static void cut_power(int nth, bool half_copied);
