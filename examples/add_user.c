@@ -44,7 +44,8 @@ static const char* in_words(unsigned result) {
     case FSH_USER_EXISTS:
       return "There is a user of this name already.";
     case FSH_USER_NOT_ADDED:
-      return "The accounts are being changed just now, or can not be written. Try again in a moment.";
+      return "The accounts are being changed just now, or can not be written. Try again in a "
+             "moment.";
     case FSH_QUOTA_FAILED:
       return "The quota could not be set.";
     default:
