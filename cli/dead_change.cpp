@@ -1,6 +1,8 @@
 #include "cli/dead_change.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <string>
 
@@ -23,6 +25,8 @@ constexpr int kChanges[] = {
 
 struct Traces {
   int bit;
+  std::string path;
+  std::string copy;
   FileTime locked;
   FileTime copied;
   FileTime changed;
@@ -42,7 +46,8 @@ std::vector<Traces> all_traces() {
   for (const GuardedFile& file : guarded_files()) {
     if (file.bit == 0 || folder.empty()) continue;
     const std::string path = folder + file.copied;
-    all.push_back({file.bit, written(file.lock_path), written(path + ".ttt"), written(path)});
+    const std::string copy = path + ".ttt";
+    all.push_back({file.bit, path, copy, written(file.lock_path), written(copy), written(path)});
   }
   return all;
 }
@@ -88,7 +93,26 @@ bool is_end_of_user_change(const std::vector<Traces>& all) {
          !is_before(*groups[0].copied, *passwords[0].locked);
 }
 
+std::string content_of(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// A change that died while it took its copies has written nothing else yet.
+bool is_cut(const Traces& file) {
+  return file.locked && file.copied && file.changed && !is_before(*file.copied, *file.locked) &&
+         is_before(*file.changed, *file.copied) && content_of(file.path) != content_of(file.copy);
+}
+
 }  // namespace
+
+bool drop_cut_copies() {
+  bool dropped = true;
+  for (const Traces& file : all_traces()) {
+    if (is_cut(file)) dropped = std::filesystem::remove(file.copy) && dropped;
+  }
+  return dropped;
+}
 
 int half_done_files() {
   const std::vector<Traces> all = all_traces();

@@ -9,6 +9,10 @@ namespace fileshare {
 // among them, since older copies would undo what is whole.
 int half_done_files();
 
+// Removes the copies that a change had not finished when it died: a later one that falls back on
+// copies would cut the files to them. False when one could not be removed.
+bool drop_cut_copies();
+
 }  // namespace fileshare
 
 #endif

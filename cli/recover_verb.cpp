@@ -83,6 +83,7 @@ int recover(const RecoverArguments& arguments) {
   }
   const bool shares = arguments.shares || is_taken_of(FSH_FILE_SHARE | FSH_FILE_SMB);
   if (const int status = restore_half_done(); status != kDone) return status;
+  if (!drop_cut_copies()) return refuse("can not remove a copy that was cut short", kFailed);
   if (const int status = finish_cut_copies(); status != kDone) return status;
   if (const int status = shares ? drop_unregistered_shares() : kDone; status != kDone) {
     return status;

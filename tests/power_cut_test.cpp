@@ -225,8 +225,11 @@ TEST_P(PowerCutTest, RecoversFromEachStep) {
     for (const bool half : copies ? std::vector{false, true} : std::vector{false}) {
       SCOPED_TRACE(std::to_string(nth) + (half ? " half " : " ") + command);
       die_at(nth, half);
-      expect_whole_copies(half ? target.substr(0, target.size() - 1) : "");
+      const std::string cut = half ? target.substr(0, target.size() - 1) : "";
+      expect_whole_copies(cut);
+      const std::string half_copy = cut.ends_with(".ttt") ? read(cut) : "";
       expect_recovered();
+      EXPECT_FALSE(cut.ends_with(".ttt") && exists(cut) && read(cut) == half_copy) << cut;
       expect_open();
       if (HasFailure()) return;
     }
