@@ -1,12 +1,12 @@
 // Adding, changing and deleting the users of the photo album.
 #include <cstring>
-#include <utility>
+#include <tuple>
 
 #include "album/album_file.h"
 #include "album/album_lock.h"
+#include "conf/appended_file.h"
 #include "conf/paths.h"
 #include "conf/result.h"
-#include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/album.h"
 #include "filesharing/conf.h"
@@ -24,16 +24,11 @@ int locked(Change&& change) {
   return guarded(kFailed, change);
 }
 
-// A user who can not be written is told as one who was: the page shows the list anyway.
+// A failed write is reported as success: the page shows the list anyway.
 int append_user(const AlbumUserInfo& record) {
-  Stream users = open_stream(paths::kAlbumUsers, "a+");
-  if (users) {
-    const std::string line_end = ends_within_line(users.get()) ? "\n" : "";
-    const std::string name(field_text(record.name));
-    write_text(users.get(),
-               line_end + '[' + name + "]\ninformation=" + information_value(record) + '\n');
-    static_cast<void>(close_written(std::move(users)));
-  }
+  const std::string name(field_text(record.name));
+  std::ignore = append_to_file(paths::kAlbumUsers,
+                               '[' + name + "]\ninformation=" + information_value(record) + '\n');
   return 0;
 }
 

@@ -6,8 +6,6 @@
 #include <utility>
 
 #include "conf/line_reader.h"
-#include "conf/shell.h"
-#include "platform/utility/utility.h"
 
 namespace filesharing {
 
@@ -77,17 +75,11 @@ Result FileRewrite::commit(const CopyBack& copy_back) {
 }
 
 bool FileRewrite::copy(const CopyBack& copy_back) const {
-  int status = 0;
-  int cause = 0;
-  for (int run = 0; run < copy_back.runs; ++run) {
-    errno = 0;
-    status =
-        copy_back.through == Through::kSystem
-            ? run_command("/bin/cp -f %s %s 2>/dev/null", temporary_.path().c_str(), path_.c_str())
-            : SYSTEM("/bin/cp -f %s %s 2>/dev/null", temporary_.path().c_str(), path_.c_str());
-    cause = errno;
-  }
-  return status == 0 || (copy_back.forgives_echild && cause == ECHILD);
+  const CopyStatus done = copy_file({.from = temporary_.path(),
+                                     .to = path_,
+                                     .through = copy_back.through,
+                                     .runs = copy_back.runs});
+  return done.status == 0 || (copy_back.forgives_echild && done.cause == ECHILD);
 }
 
 Result rewrite_lines(

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "conf/file_copy.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/temporary_file.h"
@@ -28,7 +29,6 @@ struct RewriteOptions {
   Result cannot_open = FSH_CANNOT_OPEN;
 };
 
-enum class Through { kSystem, kUtilityLibrary };  // system(3), or SYSTEM of the utility library
 enum class Sync { kNever, kOnSuccess, kAlways };
 
 // How the temporary file gets back over the target. The steps run in the order of the fields.

@@ -3,30 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "conf/guarded_files.h"
 #include "filesharing/conf.h"
 
 namespace filesharing {
-
-namespace {
-
-struct LockFile {
-  unsigned bit;
-  const char* path;
-};
-
-// The order in which every process takes the locks, so that no two wait for each other.
-constexpr LockFile kLockFiles[] = {
-    {FSH_FILE_PASSWORD, "/tmp/pass.lck"},   {FSH_FILE_GROUP, "/tmp/grp.lck"},
-    {FSH_FILE_USER, "/tmp/user.lck"},       {FSH_FILE_SHARE, "/tmp/share.lck"},
-    {FSH_FILE_SMB, "/tmp/smb.lck"},         {FSH_FILE_SMBPASS, "/tmp/smbpass.lck"},
-    {FSH_FILE_WEBPASS, "/tmp/webpass.lck"},
-};
-
-bool selects(int mask, unsigned bit) {
-  return (static_cast<unsigned>(mask) & bit) != 0;
-}
-
-}  // namespace
 
 bool take_lock_file(const char* path) {
   const int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -45,10 +25,10 @@ void release_lock_file(const char* path) {
 
 unsigned Lock(int mask) {
   using namespace filesharing;
-  for (const LockFile& lock : kLockFiles) {
-    if (selects(mask, lock.bit) && !take_lock_file(lock.path)) {
+  for (const GuardedFile& file : kGuardedFiles) {
+    if (file.is_in(mask) && !take_lock_file(file.lock)) {
       // Kept: the locks taken so far stay taken, until the next start of the system.
-      return lock.bit;
+      return file.bit;
     }
   }
   return 0;
@@ -56,9 +36,9 @@ unsigned Lock(int mask) {
 
 void Unlock(int mask) {
   using namespace filesharing;
-  for (const LockFile& lock : kLockFiles) {
-    if (selects(mask, lock.bit)) {
-      release_lock_file(lock.path);
+  for (const GuardedFile& file : kGuardedFiles) {
+    if (file.is_in(mask)) {
+      release_lock_file(file.lock);
     }
   }
 }

@@ -66,11 +66,14 @@ inline constexpr char kRaidDevice[] = "/dev/md0";
 inline std::string volume_data(int volume) {
   return format("/harddisk/volume_%d/data", volume);
 }
+inline std::string volume_conf(int volume) {
+  return format("/harddisk/volume_%d/conf", volume);
+}
 inline std::string volume_shares(int volume) {
-  return format("/harddisk/volume_%d/conf/share.info", volume);
+  return volume_conf(volume) + "/share.info";
 }
 inline std::string media_database(int volume) {
-  return format("/harddisk/volume_%d/conf/media.db", volume);
+  return volume_conf(volume) + "/media.db";
 }
 
 }  // namespace filesharing::paths

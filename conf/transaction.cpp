@@ -1,5 +1,8 @@
 #include "conf/transaction.h"
 
+#include <tuple>
+
+#include "conf/account_backup.h"
 #include "filesharing/conf.h"
 
 namespace filesharing {
@@ -8,11 +11,23 @@ Result Transaction::begin() {
   if (options_.locks && Lock(options_.mask) != 0) {
     return options_.busy;
   }
-  if (options_.backs_up) {
-    // A server without a configuration volume has nothing to back up, and is changed all the same.
-    static_cast<void>(BackupConFiles(options_.mask));
+  const Result result = guarded(options_.out_of_memory, [&] { return prepare(); });
+  if (result != FSH_OK && options_.locks) {
+    Unlock(options_.mask);
   }
-  return FSH_OK;
+  return result;
+}
+
+// A server without a configuration volume has nothing to back up, and is changed all the same.
+Result Transaction::prepare() const {
+  const bool room = has_room({.mask = options_.mask | options_.unguarded,
+                              .copied = options_.backs_up ? options_.mask : 0,
+                              .appended = options_.appends,
+                              .added = options_.adds,
+                              .repeats = options_.repeats,
+                              .registers = options_.registers});
+  const bool ready = room && (!options_.backs_up || take_copies(options_.mask));
+  return ready ? FSH_OK : options_.no_room;
 }
 
 Result Transaction::end(Result result) {
@@ -23,7 +38,10 @@ Result Transaction::end(Result result) {
     UpdateDiskUserGroupInfo();
   }
   if (result != FSH_OK && on_failure == OnFailure::kRestore) {
-    static_cast<void>(RestoreConFiles(options_.mask));  // the change's own code is the one to tell
+    std::ignore = guarded(FSH_NO_MEMORY, [&] {
+      restore_copies(options_.mask);
+      return FSH_OK;  // the change's own code is its result
+    });
   }
   if (options_.locks) {
     Unlock(options_.mask);

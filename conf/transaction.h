@@ -1,7 +1,10 @@
-// A change of several account or share files that happens as a whole or not at all: locks, backup,
-// the change, and then either the mirror of the account files or the restore.
+// A change of several account or share files that happens as a whole or not at all: locks, a look
+// whether there is room to finish it, backup, the change, and then either the mirror of the account
+// files or the restore.
 #ifndef FILESHARING_CONF_TRANSACTION_H
 #define FILESHARING_CONF_TRANSACTION_H
+
+#include <cstdint>
 
 #include "conf/result.h"
 
@@ -17,6 +20,12 @@ enum class OnFailure {
 struct TransactionOptions {
   int mask;              // of FshFile: locked, backed up and restored
   Result busy = FSH_OK;  // the code when a lock is taken; nothing is unlocked then
+  Result no_room;        // the code when a disk has no room for the change; nothing is changed then
+  std::uint64_t adds = 0;  // bytes at most, to each file
+  int unguarded = 0;       // files that it changes besides
+  int appends = 0;         // files of mask that grow in place; the others are written anew
+  bool repeats = false;    // writes each file once for each share or group
+  bool registers = false;  // sets lines of the share registry and of AppleVolumes.conf, too
   bool locks = true;
   bool backs_up = true;
   bool mirrors = true;  // to the second disk, when the change succeeded
@@ -27,7 +36,7 @@ class Transaction {
  public:
   explicit Transaction(const TransactionOptions& options) : options_(options) {}
 
-  // Takes the locks and the backup: FSH_OK, or the busy code.
+  // Takes the locks and the backup: FSH_OK; busy; or no_room or out_of_memory, without locks.
   Result begin();
 
   // Ends the transaction: mirror and unlock after FSH_OK, else what on_failure says. Returns
@@ -37,6 +46,8 @@ class Transaction {
   OnFailure on_failure = OnFailure::kRestore;
 
  private:
+  Result prepare() const;
+
   TransactionOptions options_;
 };
 

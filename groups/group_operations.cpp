@@ -2,6 +2,7 @@
 #include <array>
 #include <cstring>
 
+#include "conf/file_copy.h"
 #include "conf/heap_list.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -19,6 +20,7 @@ namespace {
 
 constexpr int kGroupFiles = FSH_FILE_GROUP | FSH_FILE_USER;
 constexpr int kGroupAndSmbFiles = kGroupFiles | FSH_FILE_SMB;
+constexpr std::uint64_t kLineBytes = 16;  // of a new group, besides its name
 constexpr std::array<const char*, 2> kReserved{"everyone", "administrators"};
 
 bool is_reserved(std::string_view name) {
@@ -56,10 +58,14 @@ class SharesOfGroup {
 };
 
 Result add_group(const char* name) {
-  return transact({.mask = kGroupFiles, .busy = FSH_GROUP_NOT_ADDED}, [&](Transaction&) {
-    return in_order([&] { return SysActGroup(name, FSH_ADD_GROUP); },
-                    [&] { return set_members(name, ""); });
-  });
+  return transact({.mask = kGroupFiles,
+                   .busy = FSH_GROUP_NOT_ADDED,
+                   .no_room = FSH_GROUP_NOT_ADDED,
+                   .adds = kLineBytes + std::strlen(name)},
+                  [&](Transaction&) {
+                    return in_order([&] { return SysActGroup(name, FSH_ADD_GROUP); },
+                                    [&] { return set_members(name, ""); });
+                  });
 }
 
 Result remove_from_shares(const char* group) {
@@ -72,7 +78,8 @@ Result remove_from_shares(const char* group) {
 
 Result delete_group(const char* name) {
   // Kept: no lock is taken, unlike by the other operations; two pages can delete at once.
-  return transact({.mask = kGroupAndSmbFiles, .locks = false},
+  const Result no_room = is_reserved(name) ? FSH_GROUP_RESERVED : FSH_GROUP_NOT_DELETED;
+  return transact({.mask = kGroupAndSmbFiles, .no_room = no_room, .locks = false},
                   [&](Transaction& transaction) -> Result {
                     if (is_reserved(name)) {
                       transaction.on_failure = OnFailure::kNothing;
@@ -86,7 +93,8 @@ Result delete_group(const char* name) {
 
 Result delete_all_groups() {
   return transact(
-      {.mask = kGroupAndSmbFiles, .busy = FSH_GROUP_NOT_DELETED}, [](Transaction&) -> Result {
+      {.mask = kGroupAndSmbFiles, .busy = FSH_GROUP_NOT_DELETED, .no_room = FSH_GROUP_NOT_DELETED},
+      [](Transaction&) -> Result {
         constexpr int kCount = static_cast<int>(kReserved.size());
         return in_order([] { return SysDelAllGroup(kReserved.data(), kCount); },
                         [] { return DelAllGRP(kReserved.data(), kCount, paths::kUserGroups); });
@@ -135,11 +143,32 @@ Result rename_in_shares(const char* old_name, const char* new_name) {
   return result;
 }
 
+// To each file, at most: a list of shares has the name once a share, an SMB section twice.
+std::uint64_t bytes_added(std::string_view old_name, std::string_view new_name) {
+  if (new_name.size() <= old_name.size()) {
+    return 0;
+  }
+  const std::string shares = read_file(paths::kShares).value_or("");
+  const std::string item = std::string(old_name) + ':';
+  std::uint64_t names = 1;
+  for (std::size_t at = shares.find(item); at != std::string::npos;
+       at = shares.find(item, at + 1)) {
+    names += 2;
+  }
+  return names * (new_name.size() - old_name.size());
+}
+
 Result rename_group(const char* old_name, const char* new_name) {
   if (std::strcmp(old_name, new_name) != 0 && ItemExist(new_name, paths::kGroup) == 1) {
     return FSH_GROUP_NOT_RENAMED;
   }
-  return transact({.mask = kGroupFiles, .busy = FSH_GROUP_NOT_RENAMED},
+  return transact({.mask = kGroupFiles,
+                   .busy = FSH_GROUP_NOT_RENAMED,
+                   .no_room = FSH_GROUP_NOT_RENAMED,
+                   .adds = bytes_added(old_name, new_name),
+                   .unguarded = FSH_FILE_SHARE | FSH_FILE_SMB,
+                   .repeats = true,
+                   .registers = true},
                   [&](Transaction& transaction) {
                     return in_order([&] { return SysRenGroupName(old_name, new_name); },
                                     [&] { return move_members(old_name, new_name, transaction); },

@@ -66,8 +66,13 @@ Result edit_system_groups(const Names& groups, const char* user, MemberAction ac
 
 // Changes both group files as one: whatever goes wrong in it has the code failure.
 template <class Change>
-Result change_members(Result busy, Result failure, Change&& change) {
-  return transact({.mask = kFiles, .busy = busy, .out_of_memory = failure},
+Result change_members(Result busy, Result failure, int added, Change&& change) {
+  constexpr std::uint64_t kMostMemberBytes = 32;  // with the quota
+  return transact({.mask = kFiles,
+                   .busy = busy,
+                   .no_room = failure,
+                   .adds = kMostMemberBytes * static_cast<std::uint64_t>(added),
+                   .out_of_memory = failure},
                   [&](Transaction&) { return change() == FSH_OK ? FSH_OK : failure; });
 }
 
@@ -77,7 +82,7 @@ Result add_users_to_group(const char* group, const char* const* users, int count
       return FSH_MEMBER_EXISTS;
     }
   }
-  const Result result = change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, [&] {
+  const Result result = change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&] {
     return in_order([&] { return AddUsersToSysGroup(group, users, count); },
                     [&] {
                       return edit_user_groups({.groups = {group},
@@ -98,7 +103,7 @@ Result add_user_to_groups(const char* user, const char* const* groups, int count
       return FSH_MEMBER_EXISTS;
     }
   }
-  return change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, [&] {
+  return change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&] {
     const Names names = listed(groups, count);
     return in_order(
         [&] { return edit_system_groups(names, user, MemberAction::kAdd, kCopyOnce); },
@@ -110,7 +115,7 @@ Result add_user_to_groups(const char* user, const char* const* groups, int count
 }
 
 Result remove_users_from_group(const char* group, const char* const* users, int count) {
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, [&] {
+  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&] {
     const Names names = listed(users, count);
     return in_order(
         [&] { return remove_from_system_group(group, names); },
@@ -122,7 +127,7 @@ Result remove_users_from_group(const char* group, const char* const* users, int 
 }
 
 Result remove_user_from_groups(const char* user, const char* const* groups, int count) {
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, [&] {
+  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&] {
     const Names names = listed(groups, count);
     return in_order(
         [&] { return edit_system_groups(names, user, MemberAction::kRemove, kCopyTwice); },

@@ -15,10 +15,19 @@ struct Batch {
   bool empty() const { return names == nullptr || count <= 0; }
 };
 
-// Runs change(name) for each in order; the first failure undoes the whole batch.
+// Runs change(name) for each in order; the first failure undoes the whole batch. A name takes at
+// most `adds` bytes in a file.
 template <class Change>
-Result change_access(const Batch& batch, Result busy, Change change) {
-  return transact({.mask = kShareFiles, .busy = busy, .mirrors = false}, [&](Transaction&) {
+Result change_access(const Batch& batch, Result busy, Result no_room, std::uint64_t adds,
+                     Change change) {
+  const TransactionOptions options{.mask = kShareFiles,
+                                   .busy = busy,
+                                   .no_room = no_room,
+                                   .adds = adds * static_cast<std::uint64_t>(batch.count),
+                                   .repeats = batch.count > 1,
+                                   .registers = true,
+                                   .mirrors = false};
+  return transact(options, [&](Transaction&) {
     Result result = FSH_OK;
     for (int i = 0; i < batch.count && result == FSH_OK; ++i) {
       result = change(batch.names[i]);

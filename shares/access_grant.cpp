@@ -7,6 +7,9 @@
 namespace filesharing {
 namespace {
 
+// A group's name twice in an SMB section, with its quotes.
+constexpr std::uint64_t kMostEntryBytes = 64;
+
 void append_group(ShareGroup*& groups, AccessList& entry) {
   ShareGroup** end = &groups;
   while (*end != nullptr) {
@@ -64,7 +67,7 @@ unsigned AddGroupsToShare(const char* share, const char* const* groups, int coun
   if (ShareExist(share) == 0) {
     return FSH_SHARE_UNKNOWN;
   }
-  return change_access(batch, FSH_ADD_ACCESS_BUSY,
+  return change_access(batch, FSH_ADD_ACCESS_BUSY, FSH_SMB_SHARES_NOT_WRITTEN, kMostEntryBytes,
                        [&](const char* group) { return AddGroupToShare(group, share, read_only); });
 }
 
@@ -74,6 +77,6 @@ unsigned AddGroupToShares(const char* group, const char* const* shares, int coun
   if (missing(group) || batch.empty()) {
     return FSH_ARGUMENT;
   }
-  return change_access(batch, FSH_ADD_ACCESS_BUSY,
+  return change_access(batch, FSH_ADD_ACCESS_BUSY, FSH_SMB_SHARES_NOT_WRITTEN, kMostEntryBytes,
                        [&](const char* share) { return AddGroupToShare(group, share, read_only); });
 }

@@ -130,7 +130,7 @@ unsigned DelGroupsFromShare(const char* share, const char* const* groups, int co
   if (ShareExist(share) == 0) {
     return FSH_SHARE_UNKNOWN;
   }
-  return change_access(batch, FSH_REMOVE_ACCESS_BUSY,
+  return change_access(batch, FSH_REMOVE_ACCESS_BUSY, FSH_ACCESS_NOT_REMOVED, 0,
                        [&](const char* group) { return DelGroupFromShare(group, share); });
 }
 
@@ -140,6 +140,6 @@ unsigned DelGroupFromShares(const char* group, const char* const* shares, int co
   if (missing(group) || batch.empty()) {
     return FSH_ARGUMENT;
   }
-  return change_access(batch, FSH_REMOVE_ACCESS_BUSY,
+  return change_access(batch, FSH_REMOVE_ACCESS_BUSY, FSH_ACCESS_NOT_REMOVED, 0,
                        [&](const char* share) { return DelGroupFromShare(group, share); });
 }

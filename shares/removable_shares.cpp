@@ -1,4 +1,5 @@
 // The shares of USB disks, which come and go with them.
+#include "conf/appended_file.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -13,32 +14,6 @@ namespace {
 
 constexpr int kFailed = -1;
 constexpr std::size_t kPieceLength = 128;
-
-// A file that entries are added to. What is added first starts on a line of its own.
-class AppendedFile {
- public:
-  explicit AppendedFile(const char* path) : stream_(open_stream(path, "a+")) {
-    if (stream_ && std::fseek(stream_.get(), -1, SEEK_END) == 0) {
-      line_open_ = std::getc(stream_.get()) != '\n';
-    }
-  }
-
-  bool opened() const { return stream_ != nullptr; }
-
-  void append(std::string_view text) {
-    // Between reading and writing a stream has to be positioned; it then writes at the end anyway.
-    static_cast<void>(std::fseek(stream_.get(), 0, SEEK_END));
-    write_text(stream_.get(), line_open_ ? "\n" : "");
-    write_text(stream_.get(), text);
-    line_open_ = false;
-  }
-
-  [[nodiscard]] bool close() { return close_written(std::move(stream_)); }
-
- private:
-  Stream stream_;
-  bool line_open_ = false;
-};
 
 int add_shares(const std::string& disk) {
   const Stream mounts = open_stream(paths::kMounts, "r");
@@ -57,10 +32,13 @@ int add_shares(const std::string& disk) {
       afp.append(removable_afp_line(*mount));
     }
   }
-  const bool registered = registry.close();
-  const bool smb_written = smb.close();
-  const bool afp_written = afp.close();
-  return registered && smb_written && afp_written ? 0 : kFailed;
+  if (!registry.flush() || !smb.flush() || !afp.flush()) {
+    return kFailed;
+  }
+  for (AppendedFile* const file : {&registry, &smb, &afp}) {
+    file->keep();
+  }
+  return 0;
 }
 
 // What one file no longer holds is no reason to keep it in the others: results do not count.

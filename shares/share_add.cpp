@@ -77,6 +77,9 @@ unsigned AddShare(ShareInfo* record) {
   // last operation that did take one.
   const TransactionOptions options{.mask = kShareFiles,
                                    .busy = FSH_SHARE_NOT_ADDED,
+                                   .no_room = FSH_SMB_SHARES_NOT_WRITTEN,
+                                   .adds = kMostShareBytes,
+                                   .registers = true,
                                    .backs_up = false,
                                    .mirrors = false,
                                    .out_of_memory = FSH_SHARE_NOT_ADDED};

@@ -106,8 +106,10 @@ unsigned DelShare(const char* name) {
   if (ShareExist(name) == 0) {
     return FSH_SHARE_UNKNOWN;
   }
-  const TransactionOptions options{
-      .mask = kShareFiles, .busy = FSH_SHARE_NOT_DELETED, .mirrors = false};
+  const TransactionOptions options{.mask = kShareFiles,
+                                   .busy = FSH_SHARE_NOT_DELETED,
+                                   .no_room = FSH_COPY_BACK_FAILED,
+                                   .mirrors = false};
   return transact(options, [&](Transaction&) { return delete_share(name); });
 }
 

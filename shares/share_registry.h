@@ -23,6 +23,9 @@ inline constexpr std::array<const char*, 2> kRegistryFiles{paths::kShares, paths
 // What every change of a share locks, backs up and restores.
 inline constexpr int kShareFiles = FSH_FILE_SHARE | FSH_FILE_SMB;
 
+// What a share takes in any of the files at most, besides its groups.
+inline constexpr std::uint64_t kMostShareBytes = 512;
+
 // The file that a share is written to.
 const char* registry_file(std::string_view share);
 

@@ -94,7 +94,11 @@ unsigned UpdateShare(const char* old_name, ShareInfo* record) {
     return FSH_SHARE_EXISTS;
   }
   // Kept: taken locks and a taken name are told by one code.
-  const TransactionOptions options{
-      .mask = kShareFiles, .busy = FSH_UPDATE_SHARE_BUSY, .mirrors = false};
+  const TransactionOptions options{.mask = kShareFiles,
+                                   .busy = FSH_UPDATE_SHARE_BUSY,
+                                   .no_room = FSH_SMB_SHARES_NOT_WRITTEN,
+                                   .adds = kMostShareBytes,
+                                   .registers = true,
+                                   .mirrors = false};
   return transact(options, [&](Transaction&) { return update_share(old_name, *record); });
 }

@@ -4,10 +4,10 @@
 
 #include <unordered_set>
 
+#include "conf/appended_file.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/shell.h"
-#include "conf/stream.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
 #include "filesharing/conf.h"
@@ -23,6 +23,7 @@ namespace filesharing {
 namespace {
 
 constexpr int kAddUserMask = FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS;
+constexpr std::uint64_t kMostLineBytes = 160;  // of a user, in any of the files
 
 std::int32_t first_free_uid() {
   std::unordered_set<uid_t> taken;
@@ -38,14 +39,11 @@ std::int32_t first_free_uid() {
 Result append_account(const UserInfo& user) {
   const std::string line =
       account_line(user.name, hash_password(user.password), first_free_uid(), user.description);
-  Stream stream = open_stream(paths::kPasswd, "a+");
-  if (!stream) {
-    return FSH_CANNOT_OPEN;
+  const Appended outcome = append_to_file(paths::kPasswd, line);
+  if (outcome != Appended::kNotOpened) {
+    sync();
   }
-  write_text(stream.get(), (ends_within_line(stream.get()) ? "\n" : "") + line);
-  const bool written = close_flushed(std::move(stream));
-  sync();
-  return written ? FSH_OK : FSH_CANNOT_OPEN;
+  return outcome == Appended::kWritten ? FSH_OK : FSH_CANNOT_OPEN;
 }
 
 Result join_everyone(const UserInfo& user) {
@@ -81,7 +79,11 @@ unsigned AddUser(const UserInfo* record) {
   if (ItemExist(user.name, paths::kPasswd) != 0) {
     return FSH_USER_EXISTS;
   }
-  return transact(
-      {.mask = kAddUserMask, .busy = FSH_USER_NOT_ADDED, .out_of_memory = FSH_USER_NOT_ADDED},
-      [&](Transaction&) { return add_user(user); });
+  return transact({.mask = kAddUserMask,
+                   .busy = FSH_USER_NOT_ADDED,
+                   .no_room = FSH_USER_NOT_ADDED,
+                   .adds = kMostLineBytes,
+                   .appends = FSH_FILE_PASSWORD | FSH_FILE_SMBPASS,
+                   .out_of_memory = FSH_USER_NOT_ADDED},
+                  [&](Transaction&) { return add_user(user); });
 }

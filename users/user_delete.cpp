@@ -86,6 +86,7 @@ unsigned DelUser(const char* name) {
   }
   return transact({.mask = kDeleteUserMask,
                    .busy = FSH_USER_NOT_DELETED,
+                   .no_room = FSH_USER_NOT_DELETED,
                    .out_of_memory = FSH_USER_NOT_DELETED},
                   [&](Transaction&) { return delete_user(name); });
 }

@@ -26,6 +26,7 @@ namespace {
 constexpr int kUpdateUserMask =
     FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS | FSH_FILE_WEBPASS;
 constexpr std::size_t kPieceLength = 127;
+constexpr std::uint64_t kMostAddedBytes = 160;  // a longer name, description and hash
 
 // What is stored about the user, and what becomes of it.
 struct Update {
@@ -154,6 +155,8 @@ Result check_and_update(const char* old_name, const UserInfo& user) {
   const Result result =
       transact({.mask = kUpdateUserMask,
                 .busy = FSH_UPDATE_USER_BUSY,
+                .no_room = FSH_USER_NOT_UPDATED,
+                .adds = kMostAddedBytes,
                 .out_of_memory = FSH_USER_NOT_UPDATED},
                [&](Transaction& transaction) { return update_user(*update, transaction); });
   // Kept: a web password file that can not be opened undoes everything and is not reported.

@@ -97,6 +97,14 @@ FSH_API unsigned RenameSect(const char* old_section, const char* new_section, co
 
 /* ---- Locks and backups ---------------------------------------------------------------------- */
 
+/* A change that takes locks begins only when it can be finished: without room for its copies, its
+ * temporary file and what it adds, on the configuration volume or on the file system of /etc, it
+ * gives the locks back, changes nothing and returns the code that it has for a file that could not
+ * be written. A copy that did not become whole all the same is removed and never restored from; a
+ * file without one stays as it is when the change fails. No file is ever left with a part: a file
+ * or a mirrored file that lacks the room to grow is not copied over, and what a copy that was cut
+ * short has left is made the old content again. */
+
 /* What a lock guards, and which file a backup copies. Masks are sums of these. */
 enum FshFile {
   FSH_FILE_PASSWORD = 1, /* /etc/passwd                  lock /tmp/pass.lck */
@@ -119,13 +127,15 @@ FSH_API void Unlock(int mask);
 
 /* Copy the files of mask in the conf folder of the configuration volume to copies of the same names
  * with ".ttt" appended, and back. The copies stay; the next backup overwrites them. A file that is
- * missing leaves its counterpart as it was.
+ * missing leaves its counterpart as it was. Called by themselves they copy whatever is there: on a
+ * full disk that cuts the target short.
  * -1: there is no configuration volume; else the status of the last command (system(3)), 0 for an
  * empty mask. */
 FSH_API int BackupConFiles(int mask);
 FSH_API int RestoreConFiles(int mask);
 
-/* Copies passwd, smbpasswd, group and usrgrp.info of volume 1 to volume 2 when both are there. */
+/* Copies passwd, smbpasswd, group and usrgrp.info of volume 1 to volume 2 when both are there. A
+ * file that volume 2 has no room for stays there as it was. */
 FSH_API void UpdateDiskUserGroupInfo(void);
 
 FSH_END_DECLS

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "conf/file_copy.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/settings.h"
@@ -55,6 +56,7 @@ void add_afp(Advertised& advertised) {
 }
 
 bool write_services(Advertised& advertised) {
+  const OldContent old(paths::kMdnsResponder);
   // A failure shows again when the file is opened.
   static_cast<void>(!truncate(paths::kMdnsResponder, 0));
   Stream responder = open_stream(paths::kMdnsResponder, "w");
@@ -63,7 +65,11 @@ bool write_services(Advertised& advertised) {
   }
   add_afp(advertised);
   write_text(responder.get(), mdns_services(advertised));
-  return close_written(std::move(responder));
+  const bool written = close_written(std::move(responder));
+  if (!written) {
+    old.put_back();
+  }
+  return written;
 }
 
 int reset_responder() {

@@ -3,6 +3,7 @@
 #define TESTS_FAULTS_DEVICES_H
 
 #include <sys/mount.h>
+#include <sys/statvfs.h>
 
 #include <filesystem>
 #include <fstream>
@@ -60,6 +61,15 @@ inline void flash_share() {
   put("/etc/samba/user_smb.conf", "[FLASH_1_1]\npath=/harddisk/volume_3/data/FLASH_1_1/\n");
   put("/etc/netatalk/AppleVolumes.conf",
       "\"/harddisk/volume_3/data/FLASH_1_1/\" \"[FLASH_1_1]\"  rwlist:@everyone allow:@everyone\n");
+}
+
+/* Of a file system in memory; each page has 4 KiB. */
+inline void set_free_pages(const std::string& folder, unsigned long pages) {
+  constexpr unsigned long kPage = 4096;
+  struct statvfs room = {};
+  ASSERT_EQ(statvfs(folder.c_str(), &room), 0);
+  const std::string size = "size=" + std::to_string((room.f_blocks - room.f_bfree + pages) * kPage);
+  ASSERT_EQ(mount("full", folder.c_str(), "tmpfs", MS_REMOUNT, size.c_str()), 0);
 }
 
 inline void backups() {

@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "tests/device_test.h"
+#include "tests/faults/devices.h"
 #include "tests/faults/interposed.h"
 #include "tests/faults/named_codes.h"
 #include "tests/faults/operations.h"
@@ -21,6 +22,7 @@
 namespace {
 
 constexpr int kTable = 3;
+constexpr unsigned long kPlenty = 4096; /* of pages */
 const bool table_is_wanted = fcntl(kTable, F_GETFD) != -1;
 
 /* A run of an operation: its code, and the device afterwards. */
@@ -119,16 +121,19 @@ std::string change_of(const std::string& path, const FileState* old, const FileS
 
 class FaultTable : public DeviceTest {
  protected:
-  using Environment = std::function<void()>;
+  /* Given the device as it is. */
+  using Environment = std::function<void(const Snapshot& device)>;
 
   /* Runs the operation on the device as prepared for it, with the nth of its steps failing. */
-  Aftermath run(const Operation& operation, int nth, const Environment* change = nullptr) {
+  Aftermath run(const Operation& operation, int nth, const Environment* change = nullptr,
+                Interposing what = Interposing::kFaults) {
+    set_free_pages("/harddisk/volume_1", kPlenty);
     restore(good_before_);
-    if (change != nullptr) (*change)();
+    if (change != nullptr) (*change)(good_before_);
     before_ = change != nullptr ? snapshot() : good_before_;
     Arguments arguments(operation.texts, operation.list);
     const unsigned code = in_process([&] {
-      start_interposing(Interposing::kFaults, nth);
+      start_interposing(what, nth);
       const unsigned result = operation.call(arguments);
       stop_interposing();
       return result;
@@ -154,6 +159,12 @@ class FaultTable : public DeviceTest {
     note(operation, 0, good_);
     for (size_t step = 1; step <= steps.size(); ++step) {
       note(operation, step, run(operation, static_cast<int>(step)));
+    }
+    for (size_t step = 1; step <= steps.size(); ++step) {
+      if (!steps[step - 1].starts_with("run cp ")) continue;
+      steps_.push_back("cut " + steps_[step]);
+      note(operation, steps_.size() - 1,
+           run(operation, static_cast<int>(step), nullptr, Interposing::kCuts));
     }
     for (const auto& [name, environment] : kEnvironments) {
       const Aftermath aftermath = run(operation, 0, &environment);
@@ -186,6 +197,12 @@ class FaultTable : public DeviceTest {
   static void fill_up(const std::string& folder) {
     mount_at(folder, "full", 0, "size=4k,mode=777");
     std::ofstream(folder + "/full") << std::string(8192, 'f');
+  }
+
+  static void fill_etc_up(const Snapshot& device) {
+    mount_at("/etc", "full", 0, "mode=755");
+    restore(device);
+    set_free_pages("/etc", 0);
   }
 
   static void make_read_only(const std::string& folder) {
@@ -274,17 +291,19 @@ class FaultTable : public DeviceTest {
 
 const std::vector<std::pair<const char*, FaultTable::Environment>> FaultTable::kEnvironments{
     {"folders for temporary files are full",
-     [] {
+     [](const Snapshot&) {
        fill_up("/tmp");
        fill_up("/harddisk/volume_1/conf/tmp");
      }},
     {"folders for temporary files are read-only",
-     [] {
+     [](const Snapshot&) {
        make_read_only("/tmp");
        make_read_only("/harddisk/volume_1/conf/tmp");
      }},
-    {"/etc is read-only", [] { make_read_only("/etc"); }},
-    {"volume_1 is read-only", [] { make_read_only("/harddisk/volume_1"); }},
+    {"/etc is full", fill_etc_up},
+    {"volume_1 is full", [](const Snapshot&) { set_free_pages("/harddisk/volume_1", 0); }},
+    {"/etc is read-only", [](const Snapshot&) { make_read_only("/etc"); }},
+    {"volume_1 is read-only", [](const Snapshot&) { make_read_only("/harddisk/volume_1"); }},
 };
 
 constexpr char kIntroduction[] =
@@ -292,10 +311,12 @@ constexpr char kIntroduction[] =
     "Each function that changes the device is run on a new one, and then again with each of its\n"
     "steps failing once: the calls to the system that can fail, and the outside commands, those "
     "of\n"
-    "its background processes too. Steps of the same words are told apart as #1, #2. The last "
-    "ones\n"
-    "are whole folders that can not be written. `tests/faults/table renew build/dev` writes this\n"
-    "page from such runs, and a test compares it with one.\n\n"
+    "its background processes too. Steps of the same words are told apart as #1, #2. `cut cp` is "
+    "a\n"
+    "copy that has cut its target and written half of it when it fails, as a full disk, a killed\n"
+    "copy and a dying disk do. The last ones are whole folders and disks that can not be written.\n"
+    "`tests/faults/table renew build/dev` writes this page from such runs, and a test compares it\n"
+    "with one. What happens with any number of free pages is a test of its own, `full_disk`.\n\n"
     "*changed* is against the device before the call. `all` is what changes without a fault; else\n"
     "each path that is new (+), gone (-), different (~) or, in what `all but` lists, as before "
     "(=).\n"

@@ -46,9 +46,13 @@ Function* next(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+bool faults() {
+  return run().what == Interposing::kFaults || run().what == Interposing::kCuts;
+}
+
 /* Whether this call is the one to fail. */
 bool fails(const char* what, std::string_view path, const char* how = "", int error = EIO) {
-  if (run().what != Interposing::kFaults || path == kCommandLog) return false;
+  if (!faults() || path == kCommandLog) return false;
   const std::string line = std::string(what) + " " + std::string(path) + how + "\n";
   if (run().length + line.size() < sizeof run().list) {
     std::memcpy(run().list + run().length, line.data(), line.size());
@@ -77,18 +81,20 @@ bool is_copy(const char* command, char (&from)[512], char (&to)[512]) {
 }
 
 /* cp, quicker than a process, and without memory from the heap, which may be made to run out. */
-int copy(const char* from, const char* to) {
+int copy(const char* from, const char* to, bool cut = false) {
   char block[4096];
   const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
   const int source = next<decltype(open)>("open")(from, O_RDONLY | O_CLOEXEC);
   const int target = source < 0 ? -1 : next<decltype(open)>("open")(to, flags, 0644);
   bool copied = target >= 0;
   for (ssize_t length; copied && (length = read(source, block, sizeof block)) > 0;) {
+    if (cut) length /= 2;
     copied = next<decltype(write)>("write")(target, block, static_cast<size_t>(length)) == length;
+    if (cut) break;
   }
   if (source >= 0) close(source);
   if (target >= 0) close(target);
-  return copied ? 0 : kCommandFailed;
+  return copied && !cut ? 0 : kCommandFailed;
 }
 
 }  // namespace
@@ -119,8 +125,10 @@ extern "C" {
 INSTEAD int system(const char* command) {
   char from[512], to[512];
   if (run().what == Interposing::kNothing) return GO_ON(system, command);
-  if (run().what == Interposing::kFaults && fails("run", shortened(command))) return kCommandFailed;
-  if (is_copy(command, from, to)) return copy(from, to);
+  const bool failed = faults() && fails("run", shortened(command));
+  const bool cut = failed && run().what == Interposing::kCuts && is_copy(command, from, to);
+  if (failed && !cut) return kCommandFailed;
+  if (is_copy(command, from, to)) return copy(from, to, cut);
   return run().what == Interposing::kCommands ? 0 : GO_ON(system, command);
 }
 
@@ -155,8 +163,8 @@ INSTEAD FILE* fopen(const char* path, const char* mode) {
 }
 
 INSTEAD int fclose(FILE* stream) {
-  const bool failed = run().what == Interposing::kFaults && __fwritable(stream) != 0 &&
-                      fails("write", path_of(fileno(stream)));
+  const bool failed =
+      faults() && __fwritable(stream) != 0 && fails("write", path_of(fileno(stream)));
   const int result = GO_ON(fclose, stream);
   return failed ? EOF : result;
 }
@@ -184,12 +192,12 @@ INSTEAD int mkostemp(char* path, int flags) {
 }
 
 INSTEAD ssize_t write(int file, const void* from, size_t length) {
-  if (run().what == Interposing::kFaults && fails("write", path_of(file), "", ENOSPC)) return -1;
+  if (faults() && fails("write", path_of(file), "", ENOSPC)) return -1;
   return GO_ON(write, file, from, length);
 }
 
 INSTEAD int fsync(int file) {
-  if (run().what == Interposing::kFaults && fails("flush", path_of(file))) return -1;
+  if (faults() && fails("flush", path_of(file))) return -1;
   return GO_ON(fsync, file);
 }
 
@@ -222,12 +230,12 @@ INSTEAD int chown(const char* path, uid_t owner, gid_t group) noexcept {
 }
 
 INSTEAD int fchmod(int file, mode_t mode) noexcept {
-  if (run().what == Interposing::kFaults && fails("change mode of", path_of(file))) return -1;
+  if (faults() && fails("change mode of", path_of(file))) return -1;
   return GO_ON(fchmod, file, mode);
 }
 
 INSTEAD int fchown(int file, uid_t owner, gid_t group) noexcept {
-  if (run().what == Interposing::kFaults && fails("change owner of", path_of(file))) return -1;
+  if (faults() && fails("change owner of", path_of(file))) return -1;
   return GO_ON(fchown, file, owner, group);
 }
 }

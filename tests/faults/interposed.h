@@ -11,6 +11,7 @@
 enum class Interposing {
   kNothing,
   kFaults,   /* calls are listed, and the nth fails; cp copies within the program */
+  kCuts,     /* the same, but a cp that fails has cut its target and copied half */
   kCommands, /* no call fails, and commands other than cp do nothing */
 };
 

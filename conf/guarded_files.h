@@ -1,0 +1,37 @@
+// The account and share files that a change guards: each has a lock, and a copy while the change is
+// under way.
+#ifndef FILESHARING_CONF_GUARDED_FILES_H
+#define FILESHARING_CONF_GUARDED_FILES_H
+
+#include <string>
+
+#include "conf/text.h"
+#include "filesharing/conf.h"
+
+namespace filesharing {
+
+struct GuardedFile {
+  unsigned bit;      // of FshFile
+  const char* lock;  // the lock is taken while this file exists
+  const char* name;  // in the conf folder of the configuration volume
+
+  bool is_in(int mask) const { return (static_cast<unsigned>(mask) & bit) != 0; }
+  std::string path(const std::string& folder) const { return folder + '/' + name; }
+  std::string copy(const std::string& folder) const { return path(folder) + ".ttt"; }
+};
+
+// The order in which every process takes the locks, so that no two wait for each other, and in
+// which the files are copied.
+inline constexpr GuardedFile kGuardedFiles[] = {
+    {FSH_FILE_PASSWORD, "/tmp/pass.lck", "passwd"},
+    {FSH_FILE_GROUP, "/tmp/grp.lck", "group"},
+    {FSH_FILE_USER, "/tmp/user.lck", "usrgrp.info"},
+    {FSH_FILE_SHARE, "/tmp/share.lck", "share.info"},
+    {FSH_FILE_SMB, "/tmp/smb.lck", "smb.conf"},
+    {FSH_FILE_SMBPASS, "/tmp/smbpass.lck", "smbpasswd"},
+    {FSH_FILE_WEBPASS, "/tmp/webpass.lck", ".htpasswd"},
+};
+
+}  // namespace filesharing
+
+#endif
