@@ -16,11 +16,10 @@ bool starts_exactly(std::string_view text, std::string_view prefix) {
   return text.starts_with(prefix);
 }
 
-std::string header_of(std::string_view section) {
-  if (section.starts_with('[') && section.ends_with(']')) {
-    return std::string(section);
-  }
-  return '[' + std::string(section) + ']';
+// A section is given by its name, with or without its brackets.
+std::string name_of(std::string_view section) {
+  const bool bracketed = section.starts_with('[') && section.ends_with(']');
+  return std::string(bracketed ? section.substr(1, section.size() - 2) : section);
 }
 
 // Leaves the stream behind the section's header, or at the top when there is no such section: the
@@ -30,7 +29,7 @@ void go_to_section(const char* section, std::FILE* stream) {
   if (section == nullptr) {
     return;
   }
-  const std::string header = header_of(section);
+  const std::string header = '[' + name_of(section) + ']';
   for (LineReader line(stream); line.next();) {
     if (line.text().starts_with(header)) {
       return;
@@ -76,7 +75,7 @@ unsigned value_length(const char* section, const char* key, std::FILE* stream) {
   }
   if (section == nullptr) {
     std::rewind(stream);
-  } else if (PRO_2sect(section, stream) != 0) {
+  } else if (PRO_2sect(name_of(section).c_str(), stream) != 0) {
     return FSH_FAILED;
   }
   const std::string prefix = std::string(key) + '=';

@@ -57,6 +57,7 @@ TEST_F(KeyValuesTest, LengthCountsToTheLineFeed) {
   };
   EXPECT_EQ(length(nullptr, "name"), 4u);  // the carriage return counts
   EXPECT_EQ(length("s", "name"), 3u);      // to the end of the file
+  EXPECT_EQ(length("[s]", "name"), 3u);
   EXPECT_EQ(length(nullptr, "other"), 0u);
   EXPECT_EQ(length("nowhere", "name"), FSH_FAILED);
 }

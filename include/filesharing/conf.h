@@ -74,6 +74,7 @@ FSH_API unsigned FSH_GetStrNoCase(const char* section, const char* key, char* ds
                                   FILE* stream);
 
 /* The length of the value of key, taken in any letter case; a trailing carriage return counts.
+ * section is a name in any letter case, with or without its brackets; null as for FSH_GetStr.
  * 0 when there is no such key; FSH_FAILED (-1): no such section, or key or stream is missing. */
 FSH_API unsigned FSH_GetStrLen(const char* section, const char* key, FILE* stream);
 
