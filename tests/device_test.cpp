@@ -245,6 +245,7 @@ void DeviceTest::SetUp() {
   (void)umask(022);
   ASSERT_EQ(chdir("/"), 0);
   set_sleep_action(0, nullptr);
+  set_sync_action(nullptr);
   Device::renew();
   errno = 0;
 }
@@ -323,6 +324,10 @@ void DeviceTest::cut_power(int nth, bool half_copied) {
 
 void DeviceTest::at_sleep(int nth, std::function<void()> action) {
   set_sleep_action(nth, std::move(action));
+}
+
+void DeviceTest::at_sync(std::function<void()> action) {
+  set_sync_action(std::move(action));
 }
 
 unsigned DeviceTest::in_process(const std::function<unsigned()>& call) {

@@ -88,6 +88,8 @@ class DeviceTest : public testing::Test {
   static void cut_power(int nth, bool half_copied);
   /* Runs `action` within the nth sleep from now on, in the process that sleeps. */
   static void at_sleep(int nth, std::function<void()> action);
+  /* Runs `action` within each sync from now on. */
+  static void at_sync(std::function<void()> action);
 
   /* ---- Processes ---- */
   /* The result of a call made in a process of its own; a leak or a crash there fails the test. */

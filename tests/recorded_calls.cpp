@@ -17,6 +17,7 @@ namespace {
 
 int sleeps_left = 0;
 std::function<void()> sleep_action;
+std::function<void()> sync_action;
 
 /* Opened anew each time: detached processes close every descriptor that they inherit. Without
  * memory from the heap, which may be what a test makes run out. */
@@ -42,6 +43,10 @@ void set_sleep_action(int nth, std::function<void()> action) {
   sleep_action = std::move(action);
 }
 
+void set_sync_action(std::function<void()> action) {
+  sync_action = std::move(action);
+}
+
 extern "C" {
 
 __attribute__((visibility("default"))) unsigned sleep(unsigned seconds) {
@@ -57,5 +62,6 @@ __attribute__((visibility("default"))) int usleep(useconds_t microseconds) {
 
 __attribute__((visibility("default"))) void sync() {
   record("sync\n", 0);
+  if (sync_action) sync_action();
 }
 }

@@ -9,4 +9,7 @@ extern const char* const kCommandLog;
 /* Runs the action in the nth sleep from now on; an empty one forgets an earlier action. */
 void set_sleep_action(int nth, std::function<void()> action);
 
+/* The same in each sync. */
+void set_sync_action(std::function<void()> action);
+
 #endif

@@ -34,6 +34,8 @@ TEST_F(UsersTest, ListedByIdAndLengthOfTheNameInFileOrder) {
         "not-listed-21-letters:x\n"  // its length comes before its missing fields
         "last:x:2147483647:");
   UserNameItem* head = nullptr;
+  const std::ptrdiff_t open_before = open_files();
+  at_sync([&] { EXPECT_EQ(open_files(), open_before) << "closed before the disk is waited for"; });
   ASSERT_EQ(GetUserNameList(&head), 0u);
   Strings names;
   for (const UserNameItem* item = head; item != nullptr; item = item->next) {
@@ -50,11 +52,15 @@ TEST_F(UsersTest, ListedByIdAndLengthOfTheNameInFileOrder) {
 
 TEST_F(UsersTest, MalformedAccountLineEndsTheListing) {
   UserNameItem* head = nullptr;
+  UserItem* all = nullptr;
   const std::string admin = "admin:x:500:501:::\n";
   for (const auto& accounts :
-       {admin + "bob\n", "bob:x:2001\n" + admin, admin + "21-letters-none-named\n"}) {
+       {admin + "bob\n", "bob:x:2001\n" + admin, admin + "21-letters-none-named\n",
+        admin + '\0' + "b:x:2001:501:::\n",
+        admin + "bob" + '\0' + "of-21-letters-at-last:x:7:501:::\n"}) {
     write("/etc/passwd", accounts);
     EXPECT_EQ(GetUserNameList(&head), 24u) << accounts;
+    EXPECT_EQ(GetAllUser(&all), 24u) << accounts;
     EXPECT_EQ(GetNumOfUsers(), FSH_FAILED) << accounts;
     EXPECT_EQ(UserExist("admin"), 0) << accounts;
   }

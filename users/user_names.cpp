@@ -15,7 +15,7 @@ namespace filesharing {
 namespace {
 
 Result read_user_names(UserNameItem** head) {
-  const Stream accounts = open_stream(paths::kPasswd, "r");
+  Stream accounts = open_stream(paths::kPasswd, "r");
   if (!accounts) {
     return FSH_CANNOT_OPEN;
   }
@@ -25,7 +25,8 @@ Result read_user_names(UserNameItem** head) {
       continue;
     }
     const Halves name = split_at(line.text(), ':');
-    if (!name.found) {
+    // No record can hold a name with a zero byte: cut there, it could be another user's.
+    if (!name.found || name.head.find('\0') != std::string_view::npos) {
       return FSH_MALFORMED;
     }
     if (name.head.size() > kMostUserNameCharacters) {
@@ -40,6 +41,7 @@ Result read_user_names(UserNameItem** head) {
     }
   }
   *head = names.release();
+  accounts.reset();
   sync();
   return FSH_OK;
 }

@@ -28,7 +28,8 @@ FSH_BEGIN_DECLS
 
 /* The names of the listed users in the order of /etc/passwd, as a list that FreeUserNameList frees.
  * 0; FSH_ARGUMENT (20); FSH_CANNOT_OPEN (21): /etc/passwd; FSH_NO_MEMORY (23); FSH_MALFORMED (24):
- * a line lacks one of its first three colons. After a failure *head must not be used. */
+ * a line lacks one of its first three colons, or its name has a zero byte in it. After a failure
+ * *head must not be used. */
 FSH_API unsigned GetUserNameList(UserNameItem** head);
 FSH_API void FreeUserNameList(UserNameItem* head);
 
