@@ -46,6 +46,13 @@ TEST_F(AddUserTest, UserStandsInEveryFileStepByStep) {
                                 replaced("/etc/usrgrp.info", 2)}));
 }
 
+/* The list of everyone is copied after the only sleep. */
+TEST_F(AddUserTest, UncollectedCopyOfTheListCountsAsDone) {
+  at_sleep(1, [] { (void)signal(SIGCHLD, SIG_IGN); });
+  EXPECT_EQ(add(user("dave")), 0u);
+  EXPECT_NE(read("/etc/usrgrp.info").find(",dave:250\n"), std::string::npos);
+}
+
 TEST_F(AddUserTest, LowestFreeIdIsTakenOnALineOfItsOwn) {
   mount_volume(2);
   const std::string cases[][2] = {
