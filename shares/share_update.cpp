@@ -1,6 +1,7 @@
 // Updating a share: its comment, folder, volume or name.
 #include "conf/paths.h"
 #include "conf/shell.h"
+#include "conf/stream.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
 #include "filesharing/conf.h"
@@ -23,8 +24,12 @@ Result leave_old_volume(const char* old_name, const ShareInfo& old_share, const 
   if (old_share.volume == record.volume) {
     return FSH_OK;
   }
-  return counted_unless_removable(
-      old_name, DelKeyItem(old_name, paths::volume_shares(old_share.volume).c_str(), '='));
+  const std::string list = paths::volume_shares(old_share.volume);
+  // Deleting from a list that is not there would leave an empty temporary file.
+  if (is_removable_share(old_name) && !open_stream(list, "r")) {
+    return FSH_OK;
+  }
+  return counted_unless_removable(old_name, DelKeyItem(old_name, list.c_str(), '='));
 }
 
 Result rename_in_volume(const char* old_name, const ShareInfo& old_share, const ShareInfo& record) {

@@ -2,6 +2,7 @@
  * order. What a failing step leaves stands in docs/faults.md. */
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <regex>
 
 #include "tests/account_commands.h"
@@ -157,6 +158,9 @@ TEST_F(ShareChangesTest, RemovableShareHasNoFolderAndNoLineOnItsVolumeAndKeepsIt
   EXPECT_EQ(read(kRemovable), line + "HDD_1_2=0:3:c:/HDD_1_1/:administrators:7\n");
   EXPECT_FALSE(exists("/harddisk/volume_3/conf/share.info"));
   EXPECT_FALSE(exists("/harddisk/volume_3/data/HDD_1_1"));
+  share.volume = 4;
+  ASSERT_EQ(UpdateShare("HDD_1_2", &share), 0u);
+  EXPECT_TRUE(std::filesystem::is_empty("/harddisk/volume_1/conf/tmp"));
 
   ASSERT_EQ(DelShare("HDD_1_2"), 0u);
   EXPECT_EQ(read(kRemovable), line);
