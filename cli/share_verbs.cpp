@@ -121,6 +121,7 @@ int add_share(const AddArguments& arguments) {
                 {{FSH_SHARE_EXISTS, "a share of this name exists"},
                  {FSH_FOLDER_SHARED, "the folder is shared already"},
                  {FSH_SHARE_NOT_ADDED, "another change is going on, or the volume is not there"},
+                 {FSH_FAILED, "the list of shares could not be written"},
                  kSmbNotWritten,
                  kAfpNotWritten});
 }

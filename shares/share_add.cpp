@@ -45,7 +45,11 @@ Result add_share(ShareInfo& record) {
   }
   ShareInfo share = written_fields(record);
   share.suffixed = 0;
-  register_share(share, format(":administrators:%d", FSH_READ_WRITE), share.name);
+  const std::string access_list = format(":administrators:%d", FSH_READ_WRITE);
+  if (const Result failed = register_share(share, access_list)) {
+    return failed;
+  }
+  list_on_volume(share, access_list, share.name);
   if (!is_removable_share(share.name)) {
     if (const Result failed = prepare_share_folder(share, make_new_folder)) {
       return failed;
@@ -57,7 +61,10 @@ Result add_share(ShareInfo& record) {
 Result add_share_with_group(const ShareInfo& record) {
   ShareInfo share = written_fields(record);
   share.groups = record.groups;
-  register_share(share, access_list_field(share.groups), volume_share_name(share));
+  const std::string access_list = access_list_field(share.groups);
+  // A registry that can not be written has no code here: the entries of the daemons follow it.
+  static_cast<void>(register_share(share, access_list));
+  list_on_volume(share, access_list, volume_share_name(share));
   return write_sections(share);
 }
 

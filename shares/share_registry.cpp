@@ -57,14 +57,19 @@ Result read_registered_value(const char* name, std::optional<std::string>& value
   return result;
 }
 
-void register_share(const ShareInfo& share, std::string_view access_list,
-                    const std::string& name_on_volume) {
+Result register_share(const ShareInfo& share, std::string_view access_list) {
   const std::string value = registry_value(share, access_list);
-  // A registry that can not be written has no code of its own: the share is then offered but not
-  // listed.
-  static_cast<void>(PRO_SetStr(nullptr, share.name, value.c_str(), registry_file(share.name)));
+  return PRO_SetStr(nullptr, share.name, value.c_str(), registry_file(share.name)) == 0
+             ? FSH_OK
+             : FSH_FAILED;
+}
+
+void list_on_volume(const ShareInfo& share, std::string_view access_list,
+                    const std::string& name_on_volume) {
   if (!is_removable_share(share.name)) {
-    static_cast<void>(PRO_SetStr(nullptr, name_on_volume.c_str(), volume_value(value).c_str(),
+    const std::string value = volume_value(registry_value(share, access_list));
+    // A list that can not be written has no code: a volume that is not there is told by its folder.
+    static_cast<void>(PRO_SetStr(nullptr, name_on_volume.c_str(), value.c_str(),
                                  paths::volume_shares(share.volume).c_str()));
   }
 }

@@ -57,9 +57,11 @@ class RegistryReader {
 // does not have the name. FSH_OK; FSH_CANNOT_OPEN: neither file could be opened.
 Result read_registered_value(const char* name, std::optional<std::string>& value);
 
-// Writes the line of the share into the system registry and, under the name `name_on_volume`, into
-// the list of its volume; removable shares have no line there.
-void register_share(const ShareInfo& share, std::string_view access_list,
+// Writes the line of the share into the system registry. FSH_FAILED: it could not be written.
+Result register_share(const ShareInfo& share, std::string_view access_list);
+
+// Writes the line of the share into the list of its volume; removable shares have none there.
+void list_on_volume(const ShareInfo& share, std::string_view access_list,
                     const std::string& name_on_volume);
 
 // Ends the texts of a record that its caller may have filled to the last byte.

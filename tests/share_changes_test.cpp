@@ -68,15 +68,31 @@ TEST_F(ShareChangesTest, NewPathIsTakenAsTranslatedOnlyWhenNoLetterCaseChanged) 
   }
 }
 
-/* No backup is taken, so a failure brings back what an earlier operation left. */
+/* No backup is taken, so a failure brings back what an earlier operation left. A share that can not
+ * be registered is not offered either. */
 TEST_F(ShareChangesTest, FailedAddingRestoresTheBackupOfAnEarlierOperation) {
-  const Strings before = files();
-  write("/harddisk/volume_1/conf/share.info.ttt", "old=list:/\n");
-  write("/harddisk/volume_1/conf/smb.conf.ttt", "[old]\n");
-  ShareInfo share = share_record("Again", "", "/Music", 1);
-  EXPECT_EQ(AddShare(&share), 56u);
-  EXPECT_EQ(files(), Strings({before[0], "old=list:/\n", "[old]\n", before[3]}));
-  EXPECT_EQ(commands(), restore_of(kBackedUp));
+  const struct {
+    const char* name;
+    const char* path;
+    const char* unwritable; /* a folder opens to be read like a file */
+    unsigned code;
+  } cases[] = {{"Again", "/Music", "/tmp/none", 56},
+               {"Video", "/Video", kRegistry, FSH_FAILED},
+               {"HDD_1_1", "/Video", kRemovable, FSH_FAILED}};
+  for (const auto& c : cases) {
+    SetUp();
+    std::filesystem::remove(c.unwritable);
+    std::filesystem::create_directory(c.unwritable);
+    write("/harddisk/volume_1/conf/share.info.ttt", "old=list:/\n");
+    write("/harddisk/volume_1/conf/smb.conf.ttt", "[old]\n");
+    const Snapshot before = snapshot();
+    ShareInfo share = share_record(c.name, "", c.path, 1);
+    EXPECT_EQ(AddShare(&share), c.code);
+    EXPECT_EQ(changes(before), Strings({"~/harddisk/volume_1/conf/share.info",
+                                        "~/harddisk/volume_1/conf/smb.conf"}));
+    EXPECT_EQ(read(kOnVolume) + read(kSmb), "old=list:/\n[old]\n");
+    EXPECT_EQ(commands(), restore_of(kBackedUp));
+  }
 }
 
 TEST_F(ShareChangesTest, NameOnTheVolumeIsTheOneTheVolumeKnows) {

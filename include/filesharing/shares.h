@@ -39,13 +39,14 @@ FSH_BEGIN_DECLS
  * FSH_SHARE_NOT_ADDED (50): a lock is taken, the volume has no data folder, no memory;
  * FSH_FOLDER_SHARED (56): dir_shared said so or failed; FSH_NO_TEMPORARY (22), FSH_CANNOT_OPEN
  * (21), FSH_SMB_SHARES_NOT_WRITTEN (45), FSH_AFP_SHARES_NOT_WRITTEN (19) as SetSmbShare and
- * SetAFPShare. Where the registry itself can not be written, that is not told. */
+ * SetAFPShare; FSH_FAILED (-1): its line in the registry can not be written, and the share has no
+ * folder and no sections then. Whether its line on the volume can is not told. */
 FSH_API unsigned AddShare(ShareInfo* record);
 
 /* Writes a share with the access list in record->groups: its line, the line on its volume, its SMB
  * section and its AFP line, each in the place of an old one. Takes no lock. Waits four seconds.
  * 0; FSH_ARGUMENT (20): record or its name is missing; FSH_NO_MEMORY (23); 22, 21, 45 and 19 as
- * AddShare. */
+ * AddShare. That one of the two lines can not be written is not told. */
 FSH_API unsigned AddShareWithGroup(ShareInfo* record);
 
 /* Gives a share the name, comment, path, volume and suffixed mark of the record; its access list
