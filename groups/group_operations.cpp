@@ -31,7 +31,7 @@ Result set_members(const char* group, const char* members) {
   return static_cast<Result>(PRO_SetStr(nullptr, group, members, paths::kUserGroups));
 }
 
-// The shares that list a group.
+// The shares that list a group, as many as a record holds.
 class SharesOfGroup {
  public:
   explicit SharesOfGroup(std::string_view group) { copy_field(info_.name, group); }
@@ -49,6 +49,7 @@ class SharesOfGroup {
     return result;
   }
 
+  bool full() const { return info_.count == FSH_MOST_GROUP_SHARES; }
   int count() const { return info_.count; }
   const char* const* names() const { return info_.shares; }
 
@@ -68,12 +69,44 @@ Result add_group(const char* name) {
                   });
 }
 
-Result remove_from_shares(const char* group) {
-  SharesOfGroup shares(group);
-  if (const Result failed = shares.read()) {
+// How often a group stands in the access lists of all shares.
+Result count_entries(const char* group, int& entries) {
+  ShareInfo* all = nullptr;
+  if (const Result failed = GetAllShare(&all)) {
     return failed;
   }
-  return shares.count() > 0 ? DelGroupFromShares(group, shares.names(), shares.count()) : FSH_OK;
+  const HeapList<ShareInfo> owner(FreeShareList, all);
+  for (const ShareInfo* share = all; share != nullptr; share = share->next) {
+    for (const ShareGroup* entry = share->groups; entry != nullptr; entry = entry->next) {
+      entries += std::strcmp(entry->name, group) == 0 ? 1 : 0;
+    }
+  }
+  return FSH_OK;
+}
+
+// Runs change(shares) for the shares of a group, round by round while a record was full: there may
+// be more. A round that has changed nothing, as on shares that can not be written, is the last.
+template <class Change>
+Result change_shares(const char* group, Change change) {
+  Result result = FSH_OK;
+  for (bool more = true; more && result == FSH_OK;) {
+    SharesOfGroup shares(group);
+    int before = 0;
+    int after = 0;
+    const auto count = [&](int& entries) {
+      return shares.full() ? count_entries(group, entries) : FSH_OK;
+    };
+    result = in_order([&] { return shares.read(); }, [&] { return count(before); },
+                      [&] { return change(shares); }, [&] { return count(after); });
+    more = after < before;
+  }
+  return result;
+}
+
+Result remove_from_shares(const char* group) {
+  return change_shares(group, [&](const SharesOfGroup& shares) -> Result {
+    return shares.count() > 0 ? DelGroupFromShares(group, shares.names(), shares.count()) : FSH_OK;
+  });
 }
 
 Result delete_group(const char* name) {
@@ -135,12 +168,13 @@ Result rename_in_share(const char* share, std::string_view old_name, std::string
 }
 
 Result rename_in_shares(const char* old_name, const char* new_name) {
-  SharesOfGroup shares(old_name);
-  Result result = shares.read();
-  for (int i = 0; result == FSH_OK && i < shares.count(); ++i) {
-    result = rename_in_share(shares.names()[i], old_name, new_name);
-  }
-  return result;
+  return change_shares(old_name, [&](const SharesOfGroup& shares) {
+    Result result = FSH_OK;
+    for (int i = 0; result == FSH_OK && i < shares.count(); ++i) {
+      result = rename_in_share(shares.names()[i], old_name, new_name);
+    }
+    return result;
+  });
 }
 
 // To each file, at most: a list of shares has the name once a share, an SMB section twice.

@@ -234,6 +234,27 @@ TEST_F(HostileTest, AnyNumberOfSharesIsExported) {
   }
 }
 
+/* Lines that begin with "[" are listed, but not found again to be written: they are tried once. */
+TEST_F(HostileTest, GroupIsRenamedAndDeletedOnAnyNumberOfShares) {
+  const auto shares = [](int count, const std::string& first, const std::string& groups) {
+    std::string lines;
+    for (int i = 0; i < count; ++i) lines += first + std::to_string(i) + "=0:1::/:" + groups + "\n";
+    return lines;
+  };
+  start_interposing(Interposing::kCommands);
+  for (const int count : {255, 300}) {
+    write("/etc/share.info", shares(count, "s", "staff:5,family:7"));
+    EXPECT_EQ(RenameGroup("staff", "team"), 0u);
+    EXPECT_EQ(DelGroup("family"), 0u);
+    EXPECT_EQ(read("/etc/share.info"), shares(count, "s", "team:5"));
+    SetUp();
+  }
+  write("/etc/share.info", shares(300, "[s", "staff:5"));
+  EXPECT_EQ(RenameGroup("staff", "team"), 0u);
+  EXPECT_EQ(std::ranges::count(commands(), "sleep 2"), 2 * 255);
+  stop_interposing();
+}
+
 TEST_F(HostileTest, WhatIsMissingIsToldAndNothingDone) {
   const Snapshot before = snapshot();
   for (const auto& [name, code, call] : kMissing) {
