@@ -3,12 +3,19 @@
 #include <functional>
 
 #include "conf/text.h"
+#include "platform/samba/samba.h"
 
 namespace filesharing {
 
 namespace {
 
 constexpr std::string_view kInformation = "information";
+
+std::string_view without_blanks(std::string_view name) {
+  constexpr std::string_view kBlanks = " \t";
+  name.remove_prefix(std::min(name.find_first_not_of(kBlanks), name.size()));
+  return name.substr(0, name.find_last_not_of(kBlanks) + 1);
+}
 
 // Takes the next piece of a line off the front of rest, without its line feed.
 std::string_view take_piece(std::string_view& rest) {
@@ -30,7 +37,7 @@ std::string edit_section(std::string_view text, std::string_view user,
     if (line.empty()) {
       continue;
     }
-    if (line.starts_with('[')) {
+    if (is_header(line)) {
       result += inside ? end() : "";
       inside = is_header_of(line, user);
     } else if (inside && !line.starts_with(kInformation) && !keep(line)) {
@@ -43,16 +50,23 @@ std::string edit_section(std::string_view text, std::string_view user,
 
 }  // namespace
 
+bool can_be_user(std::string_view name) {
+  constexpr std::string_view kRefused("]\n\0", 3);
+  return !without_blanks(name).empty() && name.find_first_of(kRefused) == std::string_view::npos;
+}
+
 std::optional<std::string_view> header_user(std::string_view line) {
-  if (!line.starts_with('[')) {
+  const Halves header = split_at(line, ']');
+  if (!header.found || !is_header(line) || !can_be_user(header.head.substr(1))) {
     return std::nullopt;
   }
-  return split_at(without_line_end(line.substr(1)), ']').head;
+  return without_blanks(header.head.substr(1));
 }
 
 bool is_header_of(std::string_view line, std::string_view user) {
   const auto name = header_user(line);
-  return name && equals_ignoring_case(*name, user);
+  return name &&
+         strequal(std::string(*name).c_str(), std::string(without_blanks(user)).c_str()) != 0;
 }
 
 bool parse_information(std::string_view value, AlbumUserInfo& record) {

@@ -18,10 +18,21 @@ namespace filesharing {
 // A longer line is looked at in pieces of this length, each as if it were a line.
 constexpr std::size_t kLongestAlbumLine = 1023;
 
+// Whether a section begins, and another ends, at a line.
+inline bool is_header(std::string_view line) {
+  return line.starts_with('[');
+}
+
+// Who a user is, for the functions here and for those of the profile library, which change the
+// file too: a header has a "]", blanks round the name do not count, and names compare as Samba's.
+
+// Whether a user of this name is found again: it is not empty and does not end the header.
+bool can_be_user(std::string_view name);
+
 // The user of a section header; nothing for any other line.
 std::optional<std::string_view> header_user(std::string_view line);
 
-// Whether a line is the section header of the user, in any letter case.
+// Whether a line is the section header of the user.
 bool is_header_of(std::string_view line, std::string_view user);
 
 // Fills the texts and numbers of a record from the value of an information line, texts cut to their

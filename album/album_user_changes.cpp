@@ -50,7 +50,8 @@ int change_user(const char* old_name, const AlbumUserInfo& record) {
 int AddAlbumUser(const AlbumUserInfo* record) {
   using namespace filesharing;
   return guarded(kFailed, [&] {
-    if (record == nullptr || AlbumUserExist(std::string(field_text(record->name)).c_str()) != 0) {
+    if (record == nullptr || !can_be_user(field_text(record->name)) ||
+        AlbumUserExist(std::string(field_text(record->name)).c_str()) != 0) {
       return kFailed;
     }
     return locked([&] { return append_user(*record); });
@@ -67,7 +68,8 @@ int DelAlbumUser(const char* name) {
 
 int UpdateAlbumUser(const char* old_name, const AlbumUserInfo* record) {
   using namespace filesharing;
-  if (record == nullptr || AlbumUserExist(old_name) == 0) {
+  if (record == nullptr || AlbumUserExist(old_name) == 0 ||
+      !can_be_user(field_text(record->name))) {
     return kFailed;
   }
   return locked([&] { return change_user(old_name, *record); });

@@ -21,7 +21,7 @@ int count_users() {
   int count = 0;
   if (stream) {
     for (PieceReader line(stream.get(), kLongestAlbumLine); line.next();) {
-      count += line.text().starts_with('[') ? 1 : 0;
+      count += is_header(line.text()) ? 1 : 0;
     }
   }
   return count;
@@ -52,6 +52,9 @@ int fill_user(AlbumUserInfo& record) {
     return 0;
   }
   const std::string name(field_text(record.name));
+  if (!can_be_user(name)) {
+    return -1;
+  }
   const auto information = file.section(name.c_str()).text("information", kInformationLimit);
   return information && parse_information(*information, record) ? 0 : -1;
 }
@@ -65,7 +68,7 @@ int right_of(std::string_view user, std::string_view folder) {
     return 0;
   }
   PieceReader line(stream.get(), kLongestAlbumLine);
-  for (bool more = go_to_user(line, user) && line.next(); more && !line.text().starts_with('[');
+  for (bool more = go_to_user(line, user) && line.next(); more && !is_header(line.text());
        more = line.next()) {
     const FolderLine entry = parse_folder_line(line.text());
     if (entry.has_folder && entry.folder == folder) {
@@ -83,8 +86,8 @@ int read_users(AlbumUserInfo** head) {
   HeapList<AlbumUserInfo> users(FreeAlbumUserList);
   std::optional<std::string> user;  // of the section, until its information has been read
   for (PieceReader line(stream.get(), kLongestAlbumLine); line.next();) {
-    if (const auto name = header_user(line.text())) {
-      user = std::string(*name);
+    if (is_header(line.text())) {
+      user = header_user(line.text());
     } else if (user && line.text().starts_with(kInformationKey)) {
       AlbumUserInfo& record = users.append();
       copy_field(record.name, *user);

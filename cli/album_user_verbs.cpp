@@ -1,6 +1,4 @@
 // fileshare album user ...: the users of the photo album.
-#include <strings.h>
-
 #include <optional>
 
 #include "cli/album_parts.h"
@@ -10,6 +8,7 @@
 #include "cli/record_text.h"
 #include "cli/verbs.h"
 #include "filesharing/album.h"
+#include "platform/samba/samba.h"
 
 namespace fileshare {
 namespace {
@@ -103,7 +102,7 @@ std::string stored_name(const std::string& name) {
   std::string stored = name;
   if (GetAllAlbumUsers(&users) != 0) return stored;
   for (const AlbumUserInfo* user = users; user != nullptr; user = user->next) {
-    if (strcasecmp(user->name, name.c_str()) == 0) stored = user->name;
+    if (strequal(user->name, name.c_str()) != 0) stored = user->name;
   }
   FreeAlbumUserList(users);
   return stored;
@@ -116,8 +115,7 @@ int update_user(const ChangeArguments& arguments) {
   const std::string old_name = stored_name(arguments.name);
   const std::string new_name = arguments.new_name.value_or(old_name);
   // The library would give two users one name.
-  if (strcasecmp(new_name.c_str(), old_name.c_str()) != 0 &&
-      AlbumUserExist(new_name.c_str()) == 1) {
+  if (strequal(new_name.c_str(), old_name.c_str()) == 0 && AlbumUserExist(new_name.c_str()) == 1) {
     return refuse_operation(operation, "name: a user of this name exists");
   }
   fill(user.name, new_name);

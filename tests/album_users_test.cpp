@@ -57,10 +57,53 @@ TEST_F(AlbumUsersTest, UsersAreFoundInAnyLetterCase) {
   EXPECT_STREQ(record.information1, "one");
 }
 
+/* For the functions that read lines and for those that go through the profile library. */
+TEST_F(AlbumUsersTest, OneRuleTellsWhoAUserIs) {
+  const std::tuple<std::string, const char*, bool> cases[] = {
+      {"[\u00c4rzte]", "\u00e4RZTE", true},
+      {"[ \tanna ]x", "Anna", true},
+      {"[anna]", " anna\t", true},
+      {"[an]na]", "an", true},
+      {"[an]na]", "an]na", false},
+      {"[anna", "anna", false},
+      {" [anna]", "anna", false},
+      {"[]", "", false},
+      {"[ ]", " ", false},
+      {"[anna" + std::string(1, '\0') + "]", "anna", false},
+  };
+  for (const auto& [header, name, is_user] : cases) {
+    SCOPED_TRACE(header + " " + name);
+    write(kUsers, header + "\ninformation=a:b:1:2\nalbum=3:/f\n");
+    AlbumUserInfo record = user(name);
+    EXPECT_EQ(AlbumUserExist(name) != 0, is_user);
+    EXPECT_EQ(GetAlbumUserInfo(&record) == 0, is_user);
+    EXPECT_EQ(RightOfFolderOnAlbumUser(name, "/f"), is_user ? 3 : 0);
+    EXPECT_EQ(AddFolderToAlbumUser(name, "/n", 4), 0);
+    EXPECT_EQ(read(kUsers),
+              header + "\ninformation=a:b:1:2\nalbum=3:/f\n" + (is_user ? "album=4:/n\n" : ""));
+    EXPECT_EQ(UpdateAlbumUser(name, &record), is_user ? 0 : -1);
+    EXPECT_EQ(is_user && AddAlbumUser(&record) == 0, false);
+    EXPECT_EQ(DelAlbumUser(name), is_user ? 0 : -1);
+    EXPECT_EQ(read(kUsers).empty(), is_user);
+  }
+}
+
+TEST_F(AlbumUsersTest, NameThatCouldNotBeFoundAgainIsRefused) {
+  write(kUsers, kTwoUsers);
+  for (const char* name : {"", " \t", "a]b", "a\nb"}) {
+    const AlbumUserInfo record = user(name);
+    EXPECT_EQ(AddAlbumUser(&record), -1) << name;
+    EXPECT_EQ(UpdateAlbumUser("anna", &record), -1) << name;
+  }
+  EXPECT_EQ(read(kUsers), kTwoUsers);
+}
+
 TEST_F(AlbumUsersTest, ListHoldsTheUsersWithInformation) {
   const std::string long_text(200, 't');
-  write(kUsers, "album=1:/stray\n[a]\ninformation=1:2:3:4\ninformation=x\n[empty]\nalbum=1:/\n[" +
-                    long_text + "\ninformation=" + long_text + ":" + long_text + ":5:6:7\n");
+  write(kUsers,
+        "album=1:/stray\n[ a\t]\ninformation=1:2:3:4\ninformation=x\n[empty]\nalbum=1:/\n"
+        "[nobody\ninformation=1\n[" +
+            long_text + "]\ninformation=" + long_text + ":" + long_text + ":5:6:7\n");
   AlbumUserInfo* head = nullptr;
   EXPECT_EQ(GetAllAlbumUsers(&head), 0);
   Strings users;

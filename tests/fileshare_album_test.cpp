@@ -79,6 +79,10 @@ TEST_F(FileshareAlbumTest, WholeLifeOfAUser) {
   EXPECT_EQ(shown({"folder", "list", "karl"}), Json::parse(R"([{"folder": "may", "right": 2}])"));
   EXPECT_EQ(album({"folder", "prune"}).error, "") << "there is no such folder";
   EXPECT_EQ(shown({"folder", "list", "karl"}), Json::array());
+  EXPECT_EQ(album({"user", "update", "karl", "--name", "\u00c4rzte"}).error, "");
+  EXPECT_EQ(album({"user", "update", "\u00e4rzte", "--name", "\u00e4RZTE"}).error, "");
+  EXPECT_EQ(shown({"user", "list"}).back()["name"], "\u00e4RZTE");
+  EXPECT_EQ(album({"user", "update", "\u00c4rzte", "--name", "Karl"}).error, "");
   EXPECT_EQ(album({"user", "delete", "KARL"}).error, "");
   EXPECT_EQ(album({"user", "show", "karl"}).status, 1);
 }

@@ -9,7 +9,9 @@
  *   album=right:folder
  *
  * where folders are relative to the album's folder. What texts, numbers and rights mean is the
- * page's. User names are compared without regard to letter case.
+ * page's. A header needs its "]"; blanks and tabs round the name in it do not count, nor does
+ * letter case, as far as strequal of libsamba knows letters. A name that could not be found again
+ * is nobody's: one that is empty or holds a "]" or a line feed.
  *
  * Functions that change the file hold the lock file /tmp/album.lck: they try 15 times, 2 seconds
  * apart, to take it, and then go on without it. The conventions of types.h apply.
@@ -42,7 +44,7 @@ FSH_API int ResetPhotoAlbum(const PhotoAlbumConf* settings);
 
 /* ---- Users ---------------------------------------------------------------------------------- */
 
-/* The number of users. */
+/* The number of lines that begin with "[". */
 FSH_API int NumOfAlbumUser(void);
 
 /* 1 when there is a user of this name, else 0. */
@@ -53,14 +55,16 @@ FSH_API int AlbumUserExist(const char* name);
  * information line that lacks one of its first three colons. */
 FSH_API int GetAlbumUserInfo(AlbumUserInfo* record);
 
-/* Adds a user. 0, also when the file can not be opened; -1: no record, or the user exists. */
+/* Adds a user. 0, also when the file can not be opened; -1: no record, the user exists, or the name
+ * could not be found again. */
 FSH_API int AddAlbumUser(const AlbumUserInfo* record);
 
 /* Deletes a user with the folders. 0; -1: no such user, or the file is not written. */
 FSH_API int DelAlbumUser(const char* name);
 
 /* Changes a user's information, and the name when it differs from old_name in any letter.
- * 0; -1: no such user, no record, or the file is not written; FSH_NO_TEMPORARY (22). */
+ * 0; -1: no such user, no record, a new name that could not be found again, or the file is not
+ * written; FSH_NO_TEMPORARY (22). */
 FSH_API int UpdateAlbumUser(const char* old_name, const AlbumUserInfo* record);
 
 /* All users that have an information line, as a list that FreeAlbumUserList frees.
