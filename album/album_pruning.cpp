@@ -18,29 +18,30 @@
 namespace filesharing {
 namespace {
 
-// The current folder, which is entered again when this goes out of scope.
+// The current folder, which is entered again when this goes out of scope. It may be one that can be
+// entered and not read.
 class SavedFolder {
  public:
-  SavedFolder() : descriptor_(open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+  SavedFolder() : descriptor_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
   SavedFolder(const SavedFolder&) = delete;
   SavedFolder& operator=(const SavedFolder&) = delete;
   ~SavedFolder() {
-    if (descriptor_ >= 0) {
-      static_cast<void>(!fchdir(descriptor_));  // a folder that is gone can not be entered again
+    if (saved()) {
+      static_cast<void>(!fchdir(descriptor_));  // it could be entered a moment ago
       close(descriptor_);
     }
   }
+
+  bool saved() const { return descriptor_ >= 0; }
 
  private:
   int descriptor_;
 };
 
-// The folder below which the users' folders lie; nothing without settings or a share.
+// The folder below which the users' folders lie; nothing without settings, a path or a share.
 std::optional<std::string> album_folder(const char* sub) {
   PhotoAlbumConf settings{};
-  if (ReadPhotoAlbumConf(&settings) != 0) {
-    return std::nullopt;
-  }
+  static_cast<void>(ReadPhotoAlbumConf(&settings));  // the path is there without the music, too
   const auto path = parse_album_path(settings);
   const auto share = path ? find_album_share(*path) : std::nullopt;
   if (!share) {
@@ -85,9 +86,15 @@ int prune(const char* sub) {
   AlbumLock lock;
   FileRewrite rewrite(paths::kAlbumUsers);
   {
-    const SavedFolder saved;
+    const SavedFolder current;
     const auto folder = album_folder(sub);
-    if (!folder || chdir(folder->c_str()) != 0) {
+    if (!folder) {
+      return 0;
+    }
+    if (!current.saved()) {
+      return -1;  // there would be no way back
+    }
+    if (chdir(folder->c_str()) != 0) {
       return 0;
     }
     if (const Result failed = write_remaining(rewrite)) {

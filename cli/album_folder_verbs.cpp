@@ -113,9 +113,9 @@ int remove_folder(const FolderArguments& arguments) {
 int prune(const PruneArguments& arguments) {
   const std::string operation = "prune the folders of the album's users";
   PhotoAlbumConf settings{};
+  static_cast<void>(ReadPhotoAlbumConf(&settings));  // the folder is there without the music, too
   // Without an album the library changes nothing and tells nobody.
-  if (ReadPhotoAlbumConf(&settings) != 0 ||
-      StripShareAndFolder((settings.path + arguments.sub).c_str(), nullptr, nullptr, 1) != 0) {
+  if (StripShareAndFolder((settings.path + arguments.sub).c_str(), nullptr, nullptr, 1) != 0) {
     return refuse_operation(operation, "the album's folder is not there");
   }
   return report(operation, static_cast<unsigned>(UpdateAlbumUserConf(arguments.sub.c_str())),

@@ -1,7 +1,11 @@
 // The users of the photo album and the folders that each may see.
+#include <linux/capability.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "filesharing/album.h"
 #include "tests/device_test.h"
@@ -187,8 +191,7 @@ TEST_F(AlbumUsersTest, RightOfTheFolderInTheFirstSectionOfTheUser) {
 
 TEST_F(AlbumUsersTest, FoldersThatAreGoneAreDropped) {
   write("/etc/share.info", "Photos=0:1:c:/pics/:administrators:7\n");
-  write("/etc/CGI_ds.conf",
-        "[photo_album]\nalbum_enable=no\nalbum_path=/Photos/2024\nalbum_back_music=\n");
+  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=/Photos/2024\n");
   ASSERT_EQ(system("mkdir -p /harddisk/volume_1/data/pics/2024/sub/kept /tmp/here"), 0);
   write(kUsers,
         "[anna]\r\ninformation=x\n\nalbum=1:kept\r\nalbum=2:gone\nalbum=nothing\n album=1:gone\n"
@@ -201,6 +204,36 @@ TEST_F(AlbumUsersTest, FoldersThatAreGoneAreDropped) {
   EXPECT_EQ(changes(before), Strings({kChanged}));
   EXPECT_EQ(commands(), Strings({kCopy}));
   EXPECT_EQ(access("here", F_OK), 0) << "back in the caller's folder";
+}
+
+/* What stops root, too, on a server elsewhere in the network. */
+void obey_modes_of_folders() {
+  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+  __user_cap_data_struct data[_LINUX_CAPABILITY_U32S_3];
+  ASSERT_EQ(syscall(SYS_capget, &header, data), 0);
+  data[0].effective &= ~(1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH);
+  ASSERT_EQ(syscall(SYS_capset, &header, data), 0);
+}
+
+TEST_F(AlbumUsersTest, FolderIsNotLeftWithoutAWayBack) {
+  write("/etc/share.info", "Photos=0:1:c:/pics/:administrators:7\n");
+  write("/etc/CGI_ds.conf", "[photo_album]\nalbum_path=/Photos\n");
+  ASSERT_EQ(system("mkdir -p /harddisk/volume_1/data/pics /tmp/here"), 0);
+  const std::string gone = "[anna]\nalbum=1:gone\n";
+  for (const auto& [mode, code, left] :
+       {std::tuple(0311, 0u, std::string("[anna]\n")), {0600, FSH_FAILED, gone}}) {
+    write(kUsers, gone);
+    ASSERT_EQ(chmod("/tmp/here", static_cast<mode_t>(mode)), 0);
+    EXPECT_EQ(in_process([] {
+                EXPECT_EQ(chdir("/tmp/here"), 0);
+                obey_modes_of_folders();
+                const auto result = static_cast<unsigned>(UpdateAlbumUserConf(""));
+                return std::filesystem::current_path() == "/tmp/here" ? result : 99u;
+              }),
+              code);
+    EXPECT_EQ(read(kUsers), left);
+    EXPECT_FALSE(exists(kLock));
+  }
 }
 
 }  // namespace

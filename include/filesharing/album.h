@@ -86,7 +86,8 @@ FSH_API int DelFolderFromAlbumUser(const char* name, const char* folder);
 
 /* Drops the folders of all users that are not below the album's folder with sub behind it.
  * 0, also when there is no such album or folder and nothing is changed; -1: as for
- * AddFolderToAlbumUser. */
+ * AddFolderToAlbumUser, or the current folder, which it leaves for a moment, can not be entered
+ * again: nothing is changed then, and it is not left. */
 FSH_API int UpdateAlbumUserConf(const char* sub);
 
 /* The right of the user's entry for the folder: 0 without one, 2 for "admin" and any folder. */
