@@ -31,8 +31,9 @@ int change_folders(const std::function<std::string(std::string_view text)>& chan
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int AddFolderToAlbumUser(const char* name, const char* folder, int right) {
-  using namespace filesharing;
   if (name == nullptr || folder == nullptr) {
     return -1;
   }
@@ -43,7 +44,6 @@ int AddFolderToAlbumUser(const char* name, const char* folder, int right) {
 }
 
 int DelFolderFromAlbumUser(const char* name, const char* folder) {
-  using namespace filesharing;
   if (name == nullptr || folder == nullptr) {
     return -1;
   }

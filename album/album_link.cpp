@@ -1,4 +1,6 @@
 // The album's folder as the web server sees it, and the album of a share that goes away.
+#include <tuple>
+
 #include <unistd.h>
 
 #include "album/album_path.h"
@@ -22,7 +24,7 @@ void switch_off_without_share(int volume) {
   const auto share = find_album_share(*path);
   if (!share || share->volume == volume) {
     settings.enabled = 0;
-    static_cast<void>(SavePhotoAlbumConf(&settings));  // the page has nobody to tell
+    std::ignore = SavePhotoAlbumConf(&settings);  // the page has nobody to tell
   }
 }
 
@@ -36,15 +38,17 @@ void link_album(const PhotoAlbumConf& settings) {
   // Kept: no slash is put between the share's path and the folder; the registry's paths end in one.
   const std::string target =
       format("/harddisk/volume_%d/data%s%s", share->volume, share->path, path->folder.c_str());
-  static_cast<void>(!symlink(target.c_str(), paths::kPhotoAlbum));  // unlinked, the album is off
+  std::ignore = symlink(target.c_str(), paths::kPhotoAlbum);  // unlinked, the album is off
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int CheckPhotoAlbum(int volume) {
-  return filesharing::guarded(0, [&] {
-    filesharing::switch_off_without_share(volume);
+  return guarded(0, [&] {
+    switch_off_without_share(volume);
     return 0;
   });
 }
@@ -53,8 +57,8 @@ int ResetPhotoAlbum(const PhotoAlbumConf* settings) {
   if (settings == nullptr) {
     return 0;
   }
-  return filesharing::guarded(0, [&] {
-    filesharing::link_album(*settings);
+  return guarded(0, [&] {
+    link_album(*settings);
     return 0;
   });
 }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "album/album_file.h"
@@ -27,7 +28,7 @@ class SavedFolder {
   SavedFolder& operator=(const SavedFolder&) = delete;
   ~SavedFolder() {
     if (saved()) {
-      static_cast<void>(!fchdir(descriptor_));  // it could be entered a moment ago
+      std::ignore = fchdir(descriptor_);  // it could be entered a moment ago
       close(descriptor_);
     }
   }
@@ -41,7 +42,7 @@ class SavedFolder {
 // The folder below which the users' folders lie; nothing without settings, a path or a share.
 std::optional<std::string> album_folder(const char* sub) {
   PhotoAlbumConf settings{};
-  static_cast<void>(ReadPhotoAlbumConf(&settings));  // the path is there without the music, too
+  std::ignore = ReadPhotoAlbumConf(&settings);  // the path is there without the music, too
   const auto path = parse_album_path(settings);
   const auto share = path ? find_album_share(*path) : std::nullopt;
   if (!share) {
@@ -69,9 +70,7 @@ bool is_gone(std::string_view line) {
 
 // In the album's folder, which the users' folders are relative to.
 Result write_remaining(FileRewrite& rewrite) {
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   for (PieceReader line(rewrite.source(), kLongestAlbumLine); line.next();) {
     if (line.starts_line() && is_gone(line.text())) {
       line.skip_rest_of_line();
@@ -111,6 +110,8 @@ int prune(const char* sub) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int UpdateAlbumUserConf(const char* sub) {
-  return filesharing::guarded(-1, [&] { return filesharing::prune(sub == nullptr ? "" : sub); });
+  return guarded(-1, [&] { return prune(sub == nullptr ? "" : sub); });
 }

@@ -1,4 +1,6 @@
 // The photo album's settings in the settings file.
+#include <tuple>
+
 #include "conf/result.h"
 #include "conf/settings.h"
 #include "conf/text.h"
@@ -29,7 +31,7 @@ int read(PhotoAlbumConf& settings) {
 int save(const PhotoAlbumConf& settings) {
   const char* enabled = yes_or_no(settings.enabled != 0);
   // The same key is written again below, where the result counts.
-  static_cast<void>(PRO_SetStr(kSection, "album_enable", enabled, paths::kSettings));
+  std::ignore = PRO_SetStr(kSection, "album_enable", enabled, paths::kSettings);
   return save_settings(kSection,
                        {{"album_enable", enabled},
                         {"album_path", std::string(field_text(settings.path))},
@@ -41,12 +43,12 @@ int save(const PhotoAlbumConf& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ReadPhotoAlbumConf(PhotoAlbumConf* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
 }
 
 int SavePhotoAlbumConf(const PhotoAlbumConf* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
 }

@@ -47,8 +47,9 @@ int change_user(const char* old_name, const AlbumUserInfo& record) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int AddAlbumUser(const AlbumUserInfo* record) {
-  using namespace filesharing;
   return guarded(kFailed, [&] {
     if (record == nullptr || !can_be_user(field_text(record->name)) ||
         AlbumUserExist(std::string(field_text(record->name)).c_str()) != 0) {
@@ -59,7 +60,6 @@ int AddAlbumUser(const AlbumUserInfo* record) {
 }
 
 int DelAlbumUser(const char* name) {
-  using namespace filesharing;
   if (AlbumUserExist(name) == 0) {
     return kFailed;
   }
@@ -67,7 +67,6 @@ int DelAlbumUser(const char* name) {
 }
 
 int UpdateAlbumUser(const char* old_name, const AlbumUserInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || AlbumUserExist(old_name) == 0 ||
       !can_be_user(field_text(record->name))) {
     return kFailed;

@@ -104,28 +104,26 @@ int read_users(AlbumUserInfo** head) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int NumOfAlbumUser(void) {
-  return filesharing::guarded(0, filesharing::count_users);
+  return guarded(0, count_users);
 }
 
 int AlbumUserExist(const char* name) {
-  using namespace filesharing;
   return guarded(0, [&] { return !missing(name) && user_exists(name) ? 1 : 0; });
 }
 
 int GetAlbumUserInfo(AlbumUserInfo* record) {
-  using namespace filesharing;
   return record == nullptr ? -1 : guarded(-1, [&] { return fill_user(*record); });
 }
 
 int RightOfFolderOnAlbumUser(const char* name, const char* folder) {
-  using namespace filesharing;
   return name == nullptr || folder == nullptr ? 0
                                               : guarded(0, [&] { return right_of(name, folder); });
 }
 
 int GetAllAlbumUsers(AlbumUserInfo** head) {
-  using namespace filesharing;
   if (head == nullptr) {
     return -1;
   }
@@ -134,5 +132,5 @@ int GetAllAlbumUsers(AlbumUserInfo** head) {
 }
 
 void FreeAlbumUserList(AlbumUserInfo* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }

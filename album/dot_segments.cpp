@@ -63,8 +63,9 @@ void remove_last_parent(std::string& path) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int de_dotdot(char* path) {
-  using namespace filesharing;
   if (path == nullptr) {
     return 0;
   }

@@ -48,8 +48,8 @@ int remove_orphans(const std::string& folder) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int CheckAlbumThumbFiles(const char* folder) {
-  return folder == nullptr
-             ? 0
-             : filesharing::guarded(0, [&] { return filesharing::remove_orphans(folder); });
+  return folder == nullptr ? 0 : guarded(0, [&] { return remove_orphans(folder); });
 }

@@ -129,18 +129,17 @@ void restore_copies(int mask) {
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int BackupConFiles(int mask) {
-  using namespace filesharing;
   return guarded(-1, [&] { return copy_account_files(mask, "", ".ttt"); });
 }
 
 int RestoreConFiles(int mask) {
-  using namespace filesharing;
   return guarded(-1, [&] { return copy_account_files(mask, ".ttt", ""); });
 }
 
 void UpdateDiskUserGroupInfo(void) {
-  using namespace filesharing;
   const DiskPresence disks;
   if (disks.volume(1) != 1 || disks.volume(2) != 1) {
     return;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <tuple>
 
 #include "conf/shell.h"
 
@@ -24,13 +25,13 @@ void leave_session(const Detached& options) {
 
 void settle_in(const Detached& options) {
   if (options.enters_root) {
-    static_cast<void>(!chdir("/"));  // "/" is always there
+    std::ignore = chdir("/");  // "/" is always there
   }
   umask(0);
   if (options.child_signal == ChildSignal::kDefault) {
     default_child_signal();
   } else if (options.child_signal == ChildSignal::kIgnored) {
-    static_cast<void>(std::signal(SIGCHLD, SIG_IGN));
+    std::ignore = std::signal(SIGCHLD, SIG_IGN);
   }
   if (options.sleep_seconds > 0) {
     sleep(options.sleep_seconds);

@@ -13,15 +13,22 @@ FileRewrite::FileRewrite(std::string path, const RewriteOptions& options)
     : path_(std::move(path)), options_(options) {}
 
 Result FileRewrite::open() {
-  const auto temporary = [&] { return make_temporary(); };
-  const auto source = [&] { return open_source(); };
-  const auto target = [&] { return open_target(); };
-  const Result opened = options_.opens_source_first ? in_order(source, temporary, target)
-                                                    : in_order(temporary, source, target);
+  const Result opened = open_in_order();
   if (opened != FSH_OK && options_.leaves_unopened) {
     temporary_.leave();
   }
   return opened;
+}
+
+Result FileRewrite::open_in_order() {
+  if (options_.opens_source_first) {
+    STEP(open_source());
+    STEP(make_temporary());
+  } else {
+    STEP(make_temporary());
+    STEP(open_source());
+  }
+  return open_target();
 }
 
 Result FileRewrite::make_temporary() {
@@ -86,13 +93,9 @@ Result rewrite_lines(
     const std::string& path, const RewriteOptions& options, const CopyBack& copy_back,
     const std::function<Result(std::string_view line, FileRewrite& rewrite)>& edit) {
   FileRewrite rewrite(path, options);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   for (LineReader line(rewrite.source()); line.next();) {
-    if (const Result failed = edit(line.text(), rewrite)) {
-      return failed;
-    }
+    STEP(edit(line.text(), rewrite));
   }
   return rewrite.commit(copy_back);
 }

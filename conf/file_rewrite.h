@@ -1,7 +1,7 @@
 // The rewrite of one file through a temporary copy that the cp command puts in its place.
 //
 //   FileRewrite rewrite(paths::kGroup, {});
-//   if (const Result failed = rewrite.open()) return failed;
+//   STEP(rewrite.open());
 //   ... read rewrite.source(), rewrite.write(...) ...
 //   return rewrite.commit({.runs = 2, .failure = FSH_MEMBER_NOT_REMOVED});
 //
@@ -65,6 +65,7 @@ class FileRewrite {
   Result commit(const CopyBack& copy_back);
 
  private:
+  Result open_in_order();
   Result make_temporary();
   Result open_source();
   Result open_target();

@@ -6,12 +6,13 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 namespace filesharing {
 
 struct CloseFolder {
   // Nothing was written: there is nothing to lose.
-  void operator()(DIR* folder) const { static_cast<void>(closedir(folder)); }
+  void operator()(DIR* folder) const { std::ignore = closedir(folder); }
 };
 
 // A folder that is open for readdir(3); null when it can not be opened.

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <optional>
+#include <tuple>
 
 #include "conf/detached.h"
 #include "conf/paths.h"
@@ -12,8 +13,8 @@
 namespace filesharing {
 
 void stop_inetd() {
-  static_cast<void>(chmod(paths::kInetd, 0644));  // the copy is in place, with the mode it had
-  static_cast<void>(run_command("/bin/killall inetd 2>/dev/null"));  // it need not run
+  std::ignore = chmod(paths::kInetd, 0644);  // the copy is in place, with the mode it had
+  std::ignore = run_command("/bin/killall inetd 2>/dev/null");  // it need not run
 }
 
 Result start_inetd_detached() {

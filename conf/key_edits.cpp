@@ -20,9 +20,7 @@ Result delete_lines(const char* key, const char* path, char separator) {
   }
   default_child_signal();
   FileRewrite rewrite(path, {.leaves_unopened = true});
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   const std::string prefix = std::string(key) + separator;
   bool dropped = false;
   for (PieceReader piece(rewrite.source(), kPieceLength); piece.next();) {
@@ -74,18 +72,17 @@ bool any_missing(const char* old_name, const char* new_name, const char* path) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned DelKeyItem(const char* key, const char* path, char separator) {
-  using namespace filesharing;
   return guarded(FSH_COPY_BACK_FAILED, [&] { return delete_lines(key, path, separator); });
 }
 
 unsigned DelKeyFromConf(const char* key, const char* path) {
-  using namespace filesharing;
   return guarded(FSH_COPY_BACK_FAILED, [&] { return delete_keys(key, path); });
 }
 
 unsigned RenameKey(const char* old_key, const char* new_key, const char* path) {
-  using namespace filesharing;
   if (any_missing(old_key, new_key, path)) {
     return FSH_FAILED;
   }
@@ -98,7 +95,6 @@ unsigned RenameKey(const char* old_key, const char* new_key, const char* path) {
 }
 
 unsigned RenameKey1(const char* old_name, const char* new_name, const char* path) {
-  using namespace filesharing;
   if (any_missing(old_name, new_name, path)) {
     return FSH_FAILED;
   }
@@ -111,7 +107,6 @@ unsigned RenameKey1(const char* old_name, const char* new_name, const char* path
 }
 
 unsigned RenameSect(const char* old_section, const char* new_section, const char* path) {
-  using namespace filesharing;
   if (any_missing(old_section, new_section, path)) {
     return FSH_FAILED;
   }

@@ -93,19 +93,18 @@ unsigned value_length(const char* section, const char* key, std::FILE* stream) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned FSH_GetStr(const char* section, const char* key, char* dst, int max, FILE* stream) {
-  using namespace filesharing;
   return guarded(FSH_FAILED,
                  [&] { return get_value(section, key, dst, max, stream, starts_exactly); });
 }
 
 unsigned FSH_GetStrNoCase(const char* section, const char* key, char* dst, int max, FILE* stream) {
-  using namespace filesharing;
   return guarded(FSH_FAILED,
                  [&] { return get_value(section, key, dst, max, stream, starts_ignoring_case); });
 }
 
 unsigned FSH_GetStrLen(const char* section, const char* key, FILE* stream) {
-  using namespace filesharing;
   return guarded(FSH_FAILED, [&] { return value_length(section, key, stream); });
 }

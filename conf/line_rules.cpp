@@ -59,9 +59,7 @@ Result rewrite_by_rules(const std::string& path, const RewriteOptions& options,
                         const CopyBack& copy_back, const std::vector<LineRule>& rules,
                         std::size_t longest) {
   FileRewrite rewrite(path, options);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   rewrite.write(apply_rules(read_rest(rewrite.source()), rules, longest));
   return rewrite.commit(copy_back);
 }

@@ -1,5 +1,7 @@
 #include "conf/lock_files.h"
 
+#include <tuple>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -13,18 +15,19 @@ bool take_lock_file(const char* path) {
   if (descriptor < 0) {
     return false;
   }
-  static_cast<void>(close(descriptor));  // the file's existence is the lock
+  std::ignore = close(descriptor);  // the file's existence is the lock
   return true;
 }
 
 void release_lock_file(const char* path) {
-  static_cast<void>(unlink(path));  // there may be none
+  std::ignore = unlink(path);  // there may be none
 }
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned Lock(int mask) {
-  using namespace filesharing;
   for (const GuardedFile& file : kGuardedFiles) {
     if (file.is_in(mask) && !take_lock_file(file.lock)) {
       // Kept: the locks taken so far stay taken, until the next start of the system.
@@ -35,7 +38,6 @@ unsigned Lock(int mask) {
 }
 
 void Unlock(int mask) {
-  using namespace filesharing;
   for (const GuardedFile& file : kGuardedFiles) {
     if (file.is_in(mask)) {
       release_lock_file(file.lock);

@@ -3,6 +3,7 @@
 #define FILESHARING_CONF_RESULT_H
 
 #include <new>
+#include <tuple>
 
 #include "filesharing/results.h"
 
@@ -11,13 +12,15 @@ namespace filesharing {
 // FSH_OK or one of the codes of results.h.
 using Result = unsigned;
 
-// Runs steps in the order given; the first that fails ends the run with its code.
-template <class... Steps>
-Result in_order(Steps&&... steps) {
-  Result result = FSH_OK;
-  static_cast<void>((((result = steps()) == FSH_OK) && ...));
-  return result;
-}
+// Runs a step of an operation, which returns FSH_OK or a code; a step that fails ends the operation
+// with its code.
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage)
+#define STEP(...)                                                  \
+  do {                                                             \
+    if (const ::filesharing::Result failed_step = (__VA_ARGS__)) { \
+      return failed_step;                                          \
+    }                                                              \
+  } while (false)
 
 // The boundary of the interface: memory that runs out inside becomes the operation's code for it.
 // Nothing else is ever thrown.

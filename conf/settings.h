@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "conf/paths.h"
@@ -39,7 +40,7 @@ class SettingsFile {
   SettingsSection section(const char* name) const { return {stream_.get(), name}; }
 
   // Leaves the stream open until the process ends.
-  void leave_open() { static_cast<void>(stream_.release()); }
+  void leave_open() { std::ignore = stream_.release(); }
 
  private:
   Stream stream_;

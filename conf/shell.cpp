@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 #include "conf/text.h"
 #include "platform/utility/utility.h"
@@ -21,7 +22,7 @@ int run_command(const char* pattern, ...) {
 }
 
 void default_child_signal() {
-  static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
+  std::ignore = std::signal(SIGCHLD, SIG_DFL);
 }
 
 std::string shell_escaped(std::string_view text) {

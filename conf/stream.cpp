@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <tuple>
 
 namespace filesharing {
 
@@ -11,7 +12,7 @@ Stream open_stream(const std::string& path, const char* mode) {
 }
 
 void write_text(std::FILE* stream, std::string_view text) {
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));  // ferror remembers
+  std::ignore = std::fwrite(text.data(), 1, text.size(), stream);  // ferror remembers
 }
 
 bool ends_within_line(std::FILE* stream) {

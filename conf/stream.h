@@ -6,12 +6,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace filesharing {
 
 struct CloseStream {
   // What matters about closing a written stream is asked with close_written; here it is too late.
-  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
+  void operator()(std::FILE* stream) const { std::ignore = std::fclose(stream); }
 };
 
 using Stream = std::unique_ptr<std::FILE, CloseStream>;

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 #include "conf/paths.h"
 #include "conf/volumes.h"
@@ -37,23 +38,25 @@ bool TemporaryFile::make(TemporaryPlace place) {
   if (descriptor < 0) {
     return false;
   }
-  static_cast<void>(close(descriptor));  // nothing was written
+  std::ignore = close(descriptor);  // nothing was written
   path_ = path;
   return true;
 }
 
 void TemporaryFile::remove() {
   if (!path_.empty()) {
-    static_cast<void>(unlink(path_.c_str()));  // one that stays does no harm
+    std::ignore = unlink(path_.c_str());  // one that stays does no harm
     path_.clear();
   }
 }
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 void GetTmpFileName(char* buf) {
   if (buf != nullptr) {
-    const char* pattern = filesharing::template_on(filesharing::configuration_volume());
+    const char* pattern = template_on(configuration_volume());
     std::memcpy(buf, pattern, std::strlen(pattern) + 1);
   }
 }

@@ -8,6 +8,8 @@
 #include "conf/text.h"
 #include "filesharing/conf.h"
 
+using namespace filesharing;
+
 namespace {
 
 constexpr std::size_t kFirstCapacity = 128;
@@ -19,7 +21,7 @@ bool is_line_end(char character) {
 }  // namespace
 
 void StripEndingSpace(char* str) {
-  if (filesharing::missing(str)) {
+  if (missing(str)) {
     return;
   }
   std::size_t last = std::strlen(str) - 1;
@@ -74,7 +76,6 @@ unsigned GetLineFromFile(char** line, FILE* stream) {
 }
 
 int ItemExist(const char* name, const char* path) {
-  using namespace filesharing;
   return guarded(0, [&] {
     if (missing(name) || missing(path)) {
       return 0;

@@ -5,6 +5,7 @@
 #define FILESHARING_CONF_TRANSACTION_H
 
 #include <cstdint>
+#include <type_traits>
 
 #include "conf/result.h"
 
@@ -51,14 +52,18 @@ class Transaction {
   TransactionOptions options_;
 };
 
-// Runs change(transaction), which returns FSH_OK or a code, as one transaction.
+// Runs change(), or change(transaction), which returns FSH_OK or a code, as one transaction.
 template <class Change>
 Result transact(const TransactionOptions& options, Change&& change) {
   Transaction transaction(options);
-  if (const Result busy = transaction.begin()) {
-    return busy;
-  }
-  return transaction.end(guarded(options.out_of_memory, [&] { return change(transaction); }));
+  STEP(transaction.begin());
+  return transaction.end(guarded<Result>(options.out_of_memory, [&]() -> Result {
+    if constexpr (std::is_invocable_v<Change, Transaction&>) {
+      return change(transaction);
+    } else {
+      return change();
+    }
+  }));
 }
 
 }  // namespace filesharing

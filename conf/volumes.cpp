@@ -1,5 +1,7 @@
 #include "conf/volumes.h"
 
+#include <tuple>
+
 #include <unistd.h>
 
 #include "platform/utility/utility.h"
@@ -29,7 +31,7 @@ int configuration_volume() {
 }
 
 DiskPresence::DiskPresence() {
-  static_cast<void>(DSK_DetectSysDisk(entries_.data()));  // it fails with every entry at 0
+  std::ignore = DSK_DetectSysDisk(entries_.data());  // it fails with every entry at 0
 }
 
 int DiskPresence::first_fixed_volume() const {

@@ -135,9 +135,7 @@ class GroupFileEditor {
 
   Result run() {
     while (!at_end_) {
-      if (const Result failed = edit_line()) {
-        return failed;
-      }
+      STEP(edit_line());
     }
     return FSH_OK;
   }
@@ -173,9 +171,7 @@ class GroupFileEditor {
   Result edit_members() {
     rewrite_.write(head_);
     MemberField members(edit_, rewrite_);
-    if (const Result failed = members.rebuild()) {
-      return failed;
-    }
+    STEP(members.rebuild());
     at_end_ = members.ended_file();
     if (!at_end_ || edit_.ends_last_line) {
       rewrite_.write("\n");
@@ -228,9 +224,9 @@ class GroupFileEditor {
 
 Result edit_group_file(const GroupFileEdit& edit) {
   FileRewrite rewrite(paths::kGroup);
-  return in_order([&] { return rewrite.open(); },
-                  [&] { return GroupFileEditor(edit, rewrite).run(); },
-                  [&] { return rewrite.commit(edit.copy_back); });
+  STEP(rewrite.open());
+  STEP(GroupFileEditor(edit, rewrite).run());
+  return rewrite.commit(edit.copy_back);
 }
 
 }  // namespace filesharing

@@ -63,18 +63,16 @@ Result add_group(const char* name) {
                    .busy = FSH_GROUP_NOT_ADDED,
                    .no_room = FSH_GROUP_NOT_ADDED,
                    .adds = kLineBytes + std::strlen(name)},
-                  [&](Transaction&) {
-                    return in_order([&] { return SysActGroup(name, FSH_ADD_GROUP); },
-                                    [&] { return set_members(name, ""); });
+                  [&]() -> Result {
+                    STEP(SysActGroup(name, FSH_ADD_GROUP));
+                    return set_members(name, "");
                   });
 }
 
 // How often a group stands in the access lists of all shares.
 Result count_entries(const char* group, int& entries) {
   ShareInfo* all = nullptr;
-  if (const Result failed = GetAllShare(&all)) {
-    return failed;
-  }
+  STEP(GetAllShare(&all));
   const HeapList<ShareInfo> owner(FreeShareList, all);
   for (const ShareInfo* share = all; share != nullptr; share = share->next) {
     for (const ShareGroup* entry = share->groups; entry != nullptr; entry = entry->next) {
@@ -88,19 +86,21 @@ Result count_entries(const char* group, int& entries) {
 // be more. A round that has changed nothing, as on shares that can not be written, is the last.
 template <class Change>
 Result change_shares(const char* group, Change change) {
-  Result result = FSH_OK;
-  for (bool more = true; more && result == FSH_OK;) {
+  for (;;) {
     SharesOfGroup shares(group);
+    STEP(shares.read());
+    if (!shares.full()) {
+      return change(shares);
+    }
     int before = 0;
     int after = 0;
-    const auto count = [&](int& entries) {
-      return shares.full() ? count_entries(group, entries) : FSH_OK;
-    };
-    result = in_order([&] { return shares.read(); }, [&] { return count(before); },
-                      [&] { return change(shares); }, [&] { return count(after); });
-    more = after < before;
+    STEP(count_entries(group, before));
+    STEP(change(shares));
+    STEP(count_entries(group, after));
+    if (after == before) {
+      return FSH_OK;
+    }
   }
-  return result;
 }
 
 Result remove_from_shares(const char* group) {
@@ -118,19 +118,19 @@ Result delete_group(const char* name) {
                       transaction.on_failure = OnFailure::kNothing;
                       return FSH_GROUP_RESERVED;
                     }
-                    return in_order([&] { return SysActGroup(name, FSH_DELETE_GROUP); },
-                                    [&] { return DelKeyFromConf(name, paths::kUserGroups); },
-                                    [&] { return remove_from_shares(name); });
+                    STEP(SysActGroup(name, FSH_DELETE_GROUP));
+                    STEP(DelKeyFromConf(name, paths::kUserGroups));
+                    return remove_from_shares(name);
                   });
 }
 
 Result delete_all_groups() {
   return transact(
       {.mask = kGroupAndSmbFiles, .busy = FSH_GROUP_NOT_DELETED, .no_room = FSH_GROUP_NOT_DELETED},
-      [](Transaction&) -> Result {
+      []() -> Result {
         constexpr int kCount = static_cast<int>(kReserved.size());
-        return in_order([] { return SysDelAllGroup(kReserved.data(), kCount); },
-                        [] { return DelAllGRP(kReserved.data(), kCount, paths::kUserGroups); });
+        STEP(SysDelAllGroup(kReserved.data(), kCount));
+        return DelAllGRP(kReserved.data(), kCount, paths::kUserGroups);
       });
 }
 
@@ -146,16 +146,14 @@ Result move_members(const char* old_name, const char* new_name, Transaction& tra
   if (!members) {
     return FSH_GROUP_NOT_RENAMED;
   }
-  return in_order([&] { return DelKeyFromConf(old_name, paths::kUserGroups); },
-                  [&] { return set_members(new_name, members->c_str()); });
+  STEP(DelKeyFromConf(old_name, paths::kUserGroups));
+  return set_members(new_name, members->c_str());
 }
 
 Result rename_in_share(const char* share, std::string_view old_name, std::string_view new_name) {
   ShareInfo record{};
   copy_field(record.name, share);
-  if (const Result failed = GetShareWithGroup(&record)) {
-    return failed;
-  }
+  STEP(GetShareWithGroup(&record));
   for (ShareGroup* group = record.groups; group != nullptr; group = group->next) {
     if (group->name == old_name) {
       copy_field(group->name, new_name);
@@ -168,12 +166,11 @@ Result rename_in_share(const char* share, std::string_view old_name, std::string
 }
 
 Result rename_in_shares(const char* old_name, const char* new_name) {
-  return change_shares(old_name, [&](const SharesOfGroup& shares) {
-    Result result = FSH_OK;
-    for (int i = 0; result == FSH_OK && i < shares.count(); ++i) {
-      result = rename_in_share(shares.names()[i], old_name, new_name);
+  return change_shares(old_name, [&](const SharesOfGroup& shares) -> Result {
+    for (int i = 0; i < shares.count(); ++i) {
+      STEP(rename_in_share(shares.names()[i], old_name, new_name));
     }
-    return result;
+    return FSH_OK;
   });
 }
 
@@ -203,18 +200,19 @@ Result rename_group(const char* old_name, const char* new_name) {
                    .unguarded = FSH_FILE_SHARE | FSH_FILE_SMB,
                    .repeats = true,
                    .registers = true},
-                  [&](Transaction& transaction) {
-                    return in_order([&] { return SysRenGroupName(old_name, new_name); },
-                                    [&] { return move_members(old_name, new_name, transaction); },
-                                    [&] { return rename_in_shares(old_name, new_name); });
+                  [&](Transaction& transaction) -> Result {
+                    STEP(SysRenGroupName(old_name, new_name));
+                    STEP(move_members(old_name, new_name, transaction));
+                    return rename_in_shares(old_name, new_name);
                   });
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned AddGroup(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return FSH_ARGUMENT;
   }
@@ -222,7 +220,6 @@ unsigned AddGroup(const char* name) {
 }
 
 unsigned DelGroup(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return FSH_ARGUMENT;
   }
@@ -230,12 +227,10 @@ unsigned DelGroup(const char* name) {
 }
 
 unsigned DelAllGroup(void) {
-  using namespace filesharing;
   return guarded(FSH_NO_MEMORY, delete_all_groups);
 }
 
 unsigned RenameGroup(const char* old_name, const char* new_name) {
-  using namespace filesharing;
   if (missing(old_name) || missing(new_name)) {
     return FSH_ARGUMENT;
   }

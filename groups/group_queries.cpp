@@ -71,9 +71,7 @@ Result append_group(HeapList<GroupItem>& groups, GroupDirectory& directory, std:
   item.gid = directory.gid(std::string(group.head).c_str());
   item.users = allocate<GroupUserInfo>();
   copy_field(item.users->name, group.head);
-  if (const Result failed = directory.fill_users(*item.users)) {
-    return failed;
-  }
+  STEP(directory.fill_users(*item.users));
   item.shares = directory.shares(item.name);
   return FSH_OK;
 }
@@ -90,9 +88,7 @@ Result read_groups(GroupItem** head) {
     if (is_blank_line(line.text())) {
       continue;
     }
-    if (const Result failed = append_group(groups, directory, line.text())) {
-      return failed;
-    }
+    STEP(append_group(groups, directory, line.text()));
   }
   *head = groups.release();
   return FSH_OK;
@@ -120,12 +116,13 @@ void free_strings(char** strings, int count) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int GroupExist(const char* name) {
-  return ItemExist(name, filesharing::paths::kGroup);
+  return ItemExist(name, paths::kGroup);
 }
 
 int GetGroupId(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return FSH_GROUP_UNKNOWN;
   }
@@ -133,7 +130,6 @@ int GetGroupId(const char* name) {
 }
 
 unsigned GetGrpNameList(GroupNameItem** head) {
-  using namespace filesharing;
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -155,7 +151,6 @@ unsigned GetNumOfGrps(void) {
 }
 
 unsigned GetAllGroup(GroupItem** head) {
-  using namespace filesharing;
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -164,7 +159,6 @@ unsigned GetAllGroup(GroupItem** head) {
 }
 
 GroupShareInfo* GetGrpShares(const GroupItem* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return nullptr;
   }
@@ -173,7 +167,7 @@ GroupShareInfo* GetGrpShares(const GroupItem* record) {
 }
 
 void FreeGrpNameList(GroupNameItem* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }
 
 void FreeGrpList(GroupItem*) {
@@ -182,19 +176,19 @@ void FreeGrpList(GroupItem*) {
 
 void FreeGrpUsers(GroupUserInfo* record) {
   if (record != nullptr) {
-    filesharing::free_strings(record->list, record->count);  // Kept: not the array itself
+    free_strings(record->list, record->count);  // Kept: not the array itself
   }
 }
 
 void FreeGrpShareInfo(GroupShareInfo* record) {
   if (record != nullptr) {
-    filesharing::free_strings(record->shares, record->count);
+    free_strings(record->shares, record->count);
     std::free(record->shares);
   }
 }
 
 void FreeShareGrpInfo(ShareGroupInfo* record) {
   if (record != nullptr) {
-    filesharing::free_list(record->groups);
+    free_list(record->groups);
   }
 }

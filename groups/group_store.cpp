@@ -1,6 +1,7 @@
 // The groups in /etc/group and the groups in /etc/usrgrp.info, each file by itself.
 #include <array>
 #include <string>
+#include <tuple>
 
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
@@ -82,7 +83,7 @@ Result add_system_group(std::string_view name, FileRewrite& rewrite) {
 }
 
 Result delete_system_group(std::string_view name, FileRewrite& rewrite) {
-  static_cast<void>(copy_other_groups(name, rewrite));  // a group that is not there is gone
+  std::ignore = copy_other_groups(name, rewrite);  // a group that is not there is gone
   return rewrite.commit(copy_back_once(FSH_GROUP_NOT_DELETED));
 }
 
@@ -126,8 +127,9 @@ Result delete_group_keys(const char* path) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SysActGroup(const char* name, unsigned mode) {
-  using namespace filesharing;
   if (missing(name) || mode > FSH_DELETE_GROUP) {
     return FSH_ARGUMENT;
   }
@@ -143,7 +145,6 @@ unsigned SysActGroup(const char* name, unsigned mode) {
 }
 
 unsigned SysRenGroupName(const char* old_name, const char* new_name) {
-  using namespace filesharing;
   if (missing(old_name) || missing(new_name)) {
     return FSH_ARGUMENT;
   }
@@ -151,7 +152,6 @@ unsigned SysRenGroupName(const char* old_name, const char* new_name) {
 }
 
 unsigned SysDelAllGroup(const char* const* kept, int count) {
-  using namespace filesharing;
   if (!is_list(kept, count)) {
     return FSH_ARGUMENT;
   }
@@ -159,10 +159,9 @@ unsigned SysDelAllGroup(const char* const* kept, int count) {
 }
 
 unsigned DelAllGRP(const char* const* names, int, const char* path) {
-  using namespace filesharing;
   return guarded(FSH_NO_MEMORY, [&] {
     // Kept: a stray command with nothing in it; whatever it returns, the work goes on.
-    static_cast<void>(run_command("%s", ""));
+    std::ignore = run_command("%s", "");
     if (names == nullptr || missing(path)) {
       return FSH_ARGUMENT;
     }

@@ -63,12 +63,14 @@ Result read_into(GroupUserInfo* record, ReadNames read) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetGroupUserInfo(GroupUserInfo* record) {
-  return filesharing::read_into(record, filesharing::read_members);
+  return read_into(record, read_members);
 }
 
 unsigned GetUserGroupInfo(GroupUserInfo* record) {
-  return filesharing::read_into(record, filesharing::read_groups);
+  return read_into(record, read_groups);
 }
 
 void FreeGroupUserInfo(GroupUserInfo* record) {
@@ -86,7 +88,6 @@ void FreeUserGroupInfo(GroupUserInfo* record) {
 }
 
 int UserInGroup(const char* user, const char* group) {
-  using namespace filesharing;
   if (user == nullptr || group == nullptr) {
     return 0;
   }

@@ -73,7 +73,7 @@ Result change_members(Result busy, Result failure, int added, Change&& change) {
                    .no_room = failure,
                    .adds = kMostMemberBytes * static_cast<std::uint64_t>(added),
                    .out_of_memory = failure},
-                  [&](Transaction&) { return change() == FSH_OK ? FSH_OK : failure; });
+                  [&] { return change() == FSH_OK ? FSH_OK : failure; });
 }
 
 Result add_users_to_group(const char* group, const char* const* users, int count) {
@@ -82,15 +82,12 @@ Result add_users_to_group(const char* group, const char* const* users, int count
       return FSH_MEMBER_EXISTS;
     }
   }
-  const Result result = change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&] {
-    return in_order([&] { return AddUsersToSysGroup(group, users, count); },
-                    [&] {
-                      return edit_user_groups({.groups = {group},
-                                               .added = listed(users, count),
-                                               .removed = {},
-                                               .copy_back = kCopyOnce});
-                    });
-  });
+  const auto add = [&]() -> Result {
+    STEP(AddUsersToSysGroup(group, users, count));
+    return edit_user_groups(
+        {.groups = {group}, .added = listed(users, count), .removed = {}, .copy_back = kCopyOnce});
+  };
+  const Result result = change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, add);
   if (result != FSH_ADD_MEMBER_BUSY) {
     sync();
   }
@@ -103,38 +100,29 @@ Result add_user_to_groups(const char* user, const char* const* groups, int count
       return FSH_MEMBER_EXISTS;
     }
   }
-  return change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&] {
-    const Names names = listed(groups, count);
-    return in_order(
-        [&] { return edit_system_groups(names, user, MemberAction::kAdd, kCopyOnce); },
-        [&] {
-          return edit_user_groups(
-              {.groups = names, .added = {user}, .removed = {}, .copy_back = kCopyTwice});
-        });
+  const Names names = listed(groups, count);
+  return change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&]() -> Result {
+    STEP(edit_system_groups(names, user, MemberAction::kAdd, kCopyOnce));
+    return edit_user_groups(
+        {.groups = names, .added = {user}, .removed = {}, .copy_back = kCopyTwice});
   });
 }
 
 Result remove_users_from_group(const char* group, const char* const* users, int count) {
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&] {
-    const Names names = listed(users, count);
-    return in_order(
-        [&] { return remove_from_system_group(group, names); },
-        [&] {
-          return edit_user_groups(
-              {.groups = {group}, .added = {}, .removed = names, .copy_back = kCopyTwice});
-        });
+  const Names names = listed(users, count);
+  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&]() -> Result {
+    STEP(remove_from_system_group(group, names));
+    return edit_user_groups(
+        {.groups = {group}, .added = {}, .removed = names, .copy_back = kCopyTwice});
   });
 }
 
 Result remove_user_from_groups(const char* user, const char* const* groups, int count) {
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&] {
-    const Names names = listed(groups, count);
-    return in_order(
-        [&] { return edit_system_groups(names, user, MemberAction::kRemove, kCopyTwice); },
-        [&] {
-          return edit_user_groups(
-              {.groups = names, .added = {}, .removed = {user}, .copy_back = kCopyTwice});
-        });
+  const Names names = listed(groups, count);
+  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&]() -> Result {
+    STEP(edit_system_groups(names, user, MemberAction::kRemove, kCopyTwice));
+    return edit_user_groups(
+        {.groups = names, .added = {}, .removed = {user}, .copy_back = kCopyTwice});
   });
 }
 
@@ -152,29 +140,26 @@ unsigned run(Operation operation, Result failure, const char* name, const char* 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned AddUsersToSysGroup(const char* group, const char* const* users, int count) {
-  using namespace filesharing;
   return run([](const char* name, const char* const* names,
                 int number) { return add_to_system_group(name, listed(names, number)); },
              FSH_MEMBER_NOT_ADDED, group, users, count);
 }
 
 unsigned AddUsersToGroup(const char* group, const char* const* users, int count) {
-  using namespace filesharing;
   return run(add_users_to_group, FSH_MEMBER_NOT_ADDED, group, users, count);
 }
 
 unsigned AddUserToGroups(const char* user, const char* const* groups, int count) {
-  using namespace filesharing;
   return run(add_user_to_groups, FSH_MEMBER_NOT_ADDED, user, groups, count);
 }
 
 unsigned DelUsersFromGroup(const char* group, const char* const* users, int count) {
-  using namespace filesharing;
   return run(remove_users_from_group, FSH_MEMBER_NOT_REMOVED, group, users, count);
 }
 
 unsigned DelUserFromGroups(const char* user, const char* const* groups, int count) {
-  using namespace filesharing;
   return run(remove_user_from_groups, FSH_MEMBER_NOT_REMOVED, user, groups, count);
 }

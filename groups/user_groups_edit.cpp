@@ -16,9 +16,7 @@ Result append_user(std::string& members, std::string_view name) {
     return FSH_USER_UNKNOWN;
   }
   copy_field(user.name, name);
-  if (const Result failed = GetUserInfo(&user)) {
-    return failed;
-  }
+  STEP(GetUserInfo(&user));
   append_member(members, name, std::to_string(user.quota));
   return FSH_OK;
 }
@@ -34,9 +32,7 @@ Result edit_members(std::string_view value, const UserGroupsEdit& edit, std::str
     return FSH_MALFORMED;
   }
   for (const std::string_view user : edit.added) {
-    if (const Result failed = append_user(members, user)) {
-      return failed;
-    }
+    STEP(append_user(members, user));
   }
   return FSH_OK;
 }
@@ -52,9 +48,7 @@ Result edit_user_groups(const UserGroupsEdit& edit) {
                            return FSH_OK;
                          }
                          std::string members;
-                         if (const Result failed = edit_members(group.tail, edit, members)) {
-                           return failed;
-                         }
+                         STEP(edit_members(group.tail, edit, members));
                          rewrite.write(std::string(group.head) + '=' + members + '\n');
                          return FSH_OK;
                        });

@@ -1,4 +1,6 @@
 // Makes the music broadcast, ample, follow its settings; inetd starts it.
+#include <tuple>
+
 #include <unistd.h>
 
 #include "conf/inetd.h"
@@ -38,7 +40,7 @@ std::vector<LineRule> rules_of_inetd(const BroadcastSettings& settings) {
 
 void set_key(const char* key, const std::string& value) {
   // A daemon with an old key plays on; the page's answer is about the system's files.
-  static_cast<void>(PRO_SetStr(nullptr, key, value.c_str(), paths::kAmple));
+  std::ignore = PRO_SetStr(nullptr, key, value.c_str(), paths::kAmple);
 }
 
 Result write_configuration(const BroadcastSettings& settings, const FolderReference& reference,
@@ -49,7 +51,7 @@ Result write_configuration(const BroadcastSettings& settings, const FolderRefere
   }
   set_key("mp3path", format("/harddisk/volume_%d/data%s/%s", share.volume, share.path,
                             reference.folder.c_str()));
-  static_cast<void>(PRO_SetInt(nullptr, "port", settings.port, paths::kAmple));
+  std::ignore = PRO_SetInt(nullptr, "port", settings.port, paths::kAmple);
   set_key("order", std::string_view(settings.play_method) == "order" ? "true" : "false");
   set_key("servername", settings.name);
   set_key("serveraddress", file.section("network").text("ip_addr", 16).value_or(""));
@@ -63,30 +65,25 @@ Result reset() {
   if (ReadBroadConf(&settings) != 0) {
     return FSH_FAILED;
   }
-  static_cast<void>(run_command("/bin/killall ample 2>/dev/null"));  // it need not run
+  std::ignore = run_command("/bin/killall ample 2>/dev/null");  // it need not run
   sleep(2);
   FolderReference reference;
   ShareInfo share{};
-  return in_order(
-      [&] { return find_folder_or_switch_off(settings.path, "music_broad", reference, share); },
-      [&] { return write_configuration(settings, reference, share); },
-      [&] {
-        return rewrite_by_rules(paths::kServices, kSystemFile, kCopyBack,
-                                rules_of_services(settings), kLongestLine);
-      },
-      [&] {
-        return rewrite_by_rules(paths::kInetd, kSystemFile, kCopyBack, rules_of_inetd(settings),
-                                kLongestLine);
-      },
-      [] {
-        stop_inetd();
-        return start_inetd_detached();
-      });
+  STEP(find_folder_or_switch_off(settings.path, "music_broad", reference, share));
+  STEP(write_configuration(settings, reference, share));
+  STEP(rewrite_by_rules(paths::kServices, kSystemFile, kCopyBack, rules_of_services(settings),
+                        kLongestLine));
+  STEP(rewrite_by_rules(paths::kInetd, kSystemFile, kCopyBack, rules_of_inetd(settings),
+                        kLongestLine));
+  stop_inetd();
+  return start_inetd_detached();
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ResetBroadcast(void) {
-  return filesharing::guarded(FSH_FAILED, filesharing::reset);
+  return guarded(FSH_FAILED, reset);
 }

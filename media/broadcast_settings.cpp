@@ -1,4 +1,6 @@
 // The music broadcast's settings in the settings file.
+#include <tuple>
+
 #include "conf/result.h"
 #include "conf/settings.h"
 #include "conf/text.h"
@@ -31,7 +33,7 @@ int read(BroadcastSettings& settings) {
 int save(const BroadcastSettings& settings) {
   const char* enabled = yes_or_no(settings.enabled != 0);
   // Kept: the switch is also written as "broad", so that this key appears though nothing reads it.
-  static_cast<void>(PRO_SetStr(kMediaSection, "broad", enabled, paths::kSettings));
+  std::ignore = PRO_SetStr(kMediaSection, "broad", enabled, paths::kSettings);
   return save_settings(kMediaSection,
                        {{"music_broad", enabled},
                         {"broad_name", std::string(field_text(settings.name))},
@@ -43,12 +45,12 @@ int save(const BroadcastSettings& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ReadBroadConf(BroadcastSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
 }
 
 int SaveBroadConf(const BroadcastSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
 }

@@ -81,8 +81,9 @@ bool find_folder(const std::string& path, FolderReference& reference, ShareInfo&
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int StripShareAndFolder(const char* reference, char* share, char* folder, int check_only) {
-  using namespace filesharing;
   if (reference == nullptr) {
     return -1;
   }

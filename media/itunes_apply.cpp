@@ -1,4 +1,6 @@
 // Makes the iTunes server, mt-daapd, follow its settings.
+#include <tuple>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,33 +39,35 @@ Result write_configuration(const ITunesSettings& settings, const ShareInfo& shar
 }
 
 // The daemon says itself what it can not do: no status counts.
-Result start_daemon() {
-  static_cast<void>(chmod(paths::kMtDaapd, 0644));
+void start_daemon() {
+  std::ignore = chmod(paths::kMtDaapd, 0644);
   unlink(paths::kSongDatabase);  // so that it looks through the folder again
-  static_cast<void>(run_command("/usr/sbin/mt-daapd &>/dev/null"));
-  return FSH_OK;
+  std::ignore = run_command("/usr/sbin/mt-daapd &>/dev/null");
 }
 
-int reset() {
+Result reset() {
   ITunesSettings settings{};
   if (ReadiTuneConf(&settings) != 0) {
-    return -1;
+    return FSH_FAILED;
   }
-  static_cast<void>(run_command("/bin/killall mt-daapd 2>/dev/null"));  // it need not run
+  std::ignore = run_command("/bin/killall mt-daapd 2>/dev/null");  // it need not run
   sleep(2);
   if (settings.enabled == 0) {
-    return 0;
+    return FSH_OK;
   }
   FolderReference reference;
   ShareInfo share{};
-  return static_cast<int>(in_order(
-      [&] { return find_folder_or_switch_off(settings.path, "itune", reference, share); },
-      [&] { return write_configuration(settings, share, reference.folder); }, start_daemon));
+  STEP(find_folder_or_switch_off(settings.path, "itune", reference, share));
+  STEP(write_configuration(settings, share, reference.folder));
+  start_daemon();
+  return FSH_OK;
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ResetItune(void) {
-  return filesharing::guarded(-1, filesharing::reset);
+  return static_cast<int>(guarded<Result>(FSH_FAILED, reset));
 }

@@ -1,4 +1,6 @@
 // The iTunes server's settings in the settings file.
+#include <tuple>
+
 #include "conf/result.h"
 #include "conf/settings.h"
 #include "conf/text.h"
@@ -25,7 +27,7 @@ int read(ITunesSettings& settings) {
 int save(const ITunesSettings& settings) {
   const char* enabled = yes_or_no(settings.enabled != 0);
   // The same key is written again below, where the result counts.
-  static_cast<void>(PRO_SetStr(kMediaSection, "itune", enabled, paths::kSettings));
+  std::ignore = PRO_SetStr(kMediaSection, "itune", enabled, paths::kSettings);
   return save_settings(kMediaSection, {{"itune", enabled},
                                        {"itune_name", std::string(field_text(settings.name))},
                                        {"itune_path", std::string(field_text(settings.path))}});
@@ -34,12 +36,12 @@ int save(const ITunesSettings& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ReadiTuneConf(ITunesSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
 }
 
 int SaveiTuneConf(const ITunesSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
 }

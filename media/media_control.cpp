@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -56,7 +57,7 @@ constexpr FolderServer kFolderServers[] = {
 };
 
 void stop(const FolderServer& server, Stopped& stopped) {
-  static_cast<void>(run_command("%s", server.kill));  // it need not run
+  std::ignore = run_command("%s", server.kill);  // it need not run
   stopped.off |= server.bit;
 }
 
@@ -105,7 +106,7 @@ void persist_off(unsigned off) {
   } kSwitches[] = {{kITunes, "itune"}, {kBroadcast, "music_broad"}, {kUPnP, "upnp_av"}};
   for (const auto& server : kSwitches) {
     if ((off & server.bit) != 0) {
-      static_cast<void>(PRO_SetStr1(kMediaSection, server.key, "no", paths::kSettings));
+      std::ignore = PRO_SetStr1(kMediaSection, server.key, "no", paths::kSettings);
     }
   }
 }
@@ -135,8 +136,8 @@ unsigned stop_for(const Removal& removal, bool persist) {
 
 void stop_all(int remove_db) {
   guarded(0, [] {
-    static_cast<void>(run_command("/bin/killall ample 2>/dev/null"));
-    static_cast<void>(run_command("/bin/killall mt-daapd 2>/dev/null"));
+    std::ignore = run_command("/bin/killall ample 2>/dev/null");
+    std::ignore = run_command("/bin/killall mt-daapd 2>/dev/null");
     return 0;
   });
   StopUPnPDaemon(nullptr, remove_db);
@@ -145,28 +146,28 @@ void stop_all(int remove_db) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned StopMediaProcess(int volume, const char* share_prefix, int persist) {
-  using namespace filesharing;
   return guarded(
       0U, [&] { return stop_for({.volume = volume, .share_prefix = share_prefix}, persist != 0); });
 }
 
 unsigned StartMediaProcess(unsigned mask) {
-  using namespace filesharing;
   sleep(6);
   if ((mask & kITunes) != 0) {
-    static_cast<void>(ResetItune());  // the caller hears of UPnP alone
+    std::ignore = ResetItune();  // the caller hears of UPnP alone
   }
   if ((mask & kBroadcast) != 0) {
-    static_cast<void>(ResetBroadcast());
+    std::ignore = ResetBroadcast();
   }
   return (mask & kUPnP) != 0 ? static_cast<unsigned>(ResetUPnPAV(0)) : 0;
 }
 
 void StopAllMedia(void) {
-  filesharing::stop_all(1);
+  stop_all(1);
 }
 
 void StopAllMedia1(void) {
-  filesharing::stop_all(0);
+  stop_all(0);
 }

@@ -1,11 +1,13 @@
 #include "media/media_servers.h"
 
+#include <tuple>
+
 #include "platform/profile/profile.h"
 
 namespace filesharing {
 
 void switch_off(const char* key) {
-  static_cast<void>(PRO_SetStr(kMediaSection, key, "no", paths::kSettings));
+  std::ignore = PRO_SetStr(kMediaSection, key, "no", paths::kSettings);
 }
 
 Result find_folder_or_switch_off(const char* path, const char* switch_key,

@@ -32,7 +32,8 @@ bool is_read_only_ntfs(std::string_view text) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int IsFolderReadonly(const char* text) {
-  using namespace filesharing;
   return guarded(0, [&] { return text != nullptr && is_read_only_ntfs(text) ? 1 : 0; });
 }

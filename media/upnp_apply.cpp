@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <tuple>
 
 #include "conf/detached.h"
 #include "conf/paths.h"
@@ -69,7 +70,7 @@ Content collect_content(const UPnPAVSettings& settings) {
 
 void set_key(const char* key, const std::string& value) {
   // A server with an old key serves on, and the page has been answered by the stop.
-  static_cast<void>(PRO_SetStr(nullptr, key, value.c_str(), paths::kMedia));
+  std::ignore = PRO_SetStr(nullptr, key, value.c_str(), paths::kMedia);
 }
 
 void write_configuration(const UPnPAVSettings& settings, const Content& content) {
@@ -90,9 +91,9 @@ void start_database_on(const std::optional<ShareInfo>& share) {
       share ? format("/harddisk/volume_%d/data%s/media.db", share->volume, share->path)
             : paths::kTemporaryMediaDatabase;
   set_key("dbfile", path);
-  static_cast<void>(std::remove(path.c_str()));  // a folder with files goes with the command below
+  std::ignore = std::remove(path.c_str());  // a folder with files goes with the command below
   // Kept: the path stands unquoted, so at a blank in it the command takes it for two.
-  static_cast<void>(run_command("/bin/rm -rf %s", path.c_str()));
+  std::ignore = run_command("/bin/rm -rf %s", path.c_str());
 }
 
 void place_database(const Content& content) {
@@ -101,7 +102,7 @@ void place_database(const Content& content) {
     const std::string folder = paths::media_database(volume);
     set_key("dbfile", folder);
     // Kept: it is asked whether the last scan was finished, and nothing follows from it.
-    static_cast<void>(!access((folder + "/db_scan.ok").c_str(), F_OK));
+    std::ignore = access((folder + "/db_scan.ok").c_str(), F_OK);
   } else if (disks.volume(3) != 0 || disks.volume(4) != 0) {
     start_database_on(content.database_share);
   }
@@ -136,7 +137,8 @@ int reset(bool keep_db) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ResetUPnPAV(int keep_db) {
-  using namespace filesharing;
   return guarded(-1, [&] { return reset(keep_db != 0); });
 }

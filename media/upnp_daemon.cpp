@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 
 #include "conf/paths.h"
@@ -72,7 +73,7 @@ void remove_database_of(const UPnPAVSettings& settings, bool remove_db) {
 void end_daemon() {
   const pid_t pid = read_pid(paths::kMediaServerPid);
   if (pid >= 1) {
-    static_cast<void>(kill(pid, SIGTERM));  // it may have ended by itself
+    std::ignore = kill(pid, SIGTERM);  // it may have ended by itself
     sleep(4);
   }
 }
@@ -82,15 +83,16 @@ void write_port() {
   if (file.opened()) {
     const std::string port = file.section("network").text("port", 6).value_or("80");
     // The signal makes the server read the file again, changed or not.
-    static_cast<void>(PRO_SetStr(nullptr, "device_port", port.c_str(), paths::kMedia));
+    std::ignore = PRO_SetStr(nullptr, "device_port", port.c_str(), paths::kMedia);
   }
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 void StopUPnPDaemon(const UPnPAVSettings* settings, int remove_db) {
-  using namespace filesharing;
   guarded(0, [&] {
     UPnPAVSettings own{};
     if (settings != nullptr) {
@@ -107,12 +109,10 @@ void StopUPnPDaemon(const UPnPAVSettings* settings, int remove_db) {
 }
 
 int ScanUPnPAVServer(void) {
-  using namespace filesharing;
   return guarded(-1, [] { return send_signal(paths::kMediaScanPid, SIGHUP); });
 }
 
 int ReloadUPnPAVServerIP(void) {
-  using namespace filesharing;
   guarded(0, [] {
     write_port();
     return 0;
@@ -121,7 +121,6 @@ int ReloadUPnPAVServerIP(void) {
 }
 
 void RemoveDBOKFlag(void) {
-  using namespace filesharing;
   guarded(0, [] {
     const int volume = FirstAvaibleVolume();
     return volume < 0 ? 0 : unlink((paths::media_database(volume) + "/db_scan.ok").c_str());

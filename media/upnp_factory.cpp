@@ -1,4 +1,6 @@
 // Back to the UPnP AV settings that the server left the factory with.
+#include <tuple>
+
 #include "conf/result.h"
 #include "conf/settings.h"
 #include "conf/shell.h"
@@ -26,16 +28,18 @@ void restore_factory_settings() {
   for (const char* key : kKeys) {
     items.push_back({key, factory.section(kMediaSection).text(key, kValueLimit).value_or("")});
   }
-  static_cast<void>(save_settings(kMediaSection, items));  // the page has nobody to tell
-  static_cast<void>(run_command("/etc/rc.d/twonkymedia.sh stop >/dev/null 2>&1"));
+  std::ignore = save_settings(kMediaSection, items);  // the page has nobody to tell
+  std::ignore = run_command("/etc/rc.d/twonkymedia.sh stop >/dev/null 2>&1");
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 void ResetUPnPAV2Def(void) {
-  filesharing::guarded(0, [] {
-    filesharing::restore_factory_settings();
+  guarded(0, [] {
+    restore_factory_settings();
     return 0;
   });
 }

@@ -1,5 +1,6 @@
 // The UPnP AV server's settings in the settings file.
 #include <cstdlib>
+#include <tuple>
 
 #include "conf/result.h"
 #include "conf/settings.h"
@@ -67,7 +68,7 @@ void add_slot(std::vector<Setting>& items, int slot, const UPnPAVSettings& setti
 int save(const UPnPAVSettings& settings) {
   const char* enabled = yes_or_no(settings.enabled != 0);
   // The same key is written again below, where the result counts.
-  static_cast<void>(PRO_SetStr(kMediaSection, "upnp_av", enabled, paths::kSettings));
+  std::ignore = PRO_SetStr(kMediaSection, "upnp_av", enabled, paths::kSettings);
   std::vector<Setting> items{{"upnp_av", enabled},
                              {"upnp_name", std::string(field_text(settings.name))},
                              {"scan_interval", std::to_string(settings.scan_interval)},
@@ -81,12 +82,12 @@ int save(const UPnPAVSettings& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ReadUPnPAVConf(UPnPAVSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
 }
 
 int SaveUPnPAVConf(const UPnPAVSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
 }

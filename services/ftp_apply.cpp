@@ -1,4 +1,6 @@
 // Makes the FTP service follow its settings.
+#include <tuple>
+
 #include "conf/inetd.h"
 #include "conf/line_rules.h"
 #include "conf/paths.h"
@@ -31,7 +33,7 @@ Result read_guest_access(bool& lets_guests_in) {
 
 Result restart() {
   stop_inetd();
-  static_cast<void>(run_command("/bin/killall bftpd 2>/dev/null"));  // it need not run
+  std::ignore = run_command("/bin/killall bftpd 2>/dev/null");  // it need not run
   return start_inetd_detached();
 }
 
@@ -41,27 +43,20 @@ Result reset() {
     return FSH_SERVICE_NOT_APPLIED;
   }
   bool guests = false;
-  return in_order(
-      [&] {
-        return rewrite_by_rules(paths::kServices, kFirstFile, kCopyOnce,
-                                ftp_rules_of_services(settings), kServicesPiece);
-      },
-      [&] { return read_guest_access(guests); },
-      [&] {
-        return rewrite_by_rules(paths::kVsftpd, kLaterFile, kCopyOnce,
-                                ftp_rules_of_vsftpd(settings, guests));
-      },
-      [&] {
-        return rewrite_by_rules(paths::kInetd, kLaterFile, kCopyTwice,
-                                ftp_rules_of_inetd(settings));
-      },
-      restart);
+  STEP(rewrite_by_rules(paths::kServices, kFirstFile, kCopyOnce, ftp_rules_of_services(settings),
+                        kServicesPiece));
+  STEP(read_guest_access(guests));
+  STEP(rewrite_by_rules(paths::kVsftpd, kLaterFile, kCopyOnce,
+                        ftp_rules_of_vsftpd(settings, guests)));
+  STEP(rewrite_by_rules(paths::kInetd, kLaterFile, kCopyTwice, ftp_rules_of_inetd(settings)));
+  return restart();
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ResetFTP(void) {
-  using namespace filesharing;
   return guarded(FSH_SERVICE_NOT_APPLIED, reset);
 }

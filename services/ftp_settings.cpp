@@ -54,12 +54,12 @@ int save(const FtpSettings& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ReadFTPConf(FtpSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
 }
 
 int SaveFTPConf(const FtpSettings* settings) {
-  using namespace filesharing;
   return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
 }

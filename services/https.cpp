@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "conf/detached.h"
 #include "conf/paths.h"
@@ -37,11 +38,11 @@ std::optional<Tunnel> read_tunnel() {
 
 // What fails here has nobody left to be told.
 void restart(const Tunnel& tunnel) {
-  static_cast<void>(run_command("/bin/killall stunnel >/dev/null 2>&1"));
+  std::ignore = run_command("/bin/killall stunnel >/dev/null 2>&1");
   if (tunnel.wanted) {
-    static_cast<void>(PRO_SetStr(nullptr, "connect", tunnel.port.c_str(), paths::kStunnel));
+    std::ignore = PRO_SetStr(nullptr, "connect", tunnel.port.c_str(), paths::kStunnel);
     sleep(4);
-    static_cast<void>(run_command("/usr/sbin/stunnel /etc/stunnel.conf >/dev/null 2>&1"));
+    std::ignore = run_command("/usr/sbin/stunnel /etc/stunnel.conf >/dev/null 2>&1");
   }
 }
 
@@ -60,7 +61,8 @@ int reset() {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ResetHttps(void) {
-  using namespace filesharing;
   return guarded(-1, reset);
 }

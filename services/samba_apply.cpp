@@ -1,5 +1,6 @@
 // Makes Samba follow its settings.
 #include <algorithm>
+#include <tuple>
 
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -55,7 +56,7 @@ Result set_recycle_bin(const SettingsSection& network) {
     return FSH_SAMBA_NOT_APPLIED;
   }
   // Kept: whether this is written does not count; Samba has been set already.
-  static_cast<void>(set_global("vfs object", recycle->starts_with("yes") ? "recycle" : ""));
+  std::ignore = set_global("vfs object", recycle->starts_with("yes") ? "recycle" : "");
   return FSH_OK;
 }
 
@@ -67,9 +68,9 @@ Result enable(const SambaSettings& settings) {
   const SettingsSection network = file.section("network");
   SambaServerParams params{};
   fill_from_settings(params, settings);
-  return in_order([&] { return fill_comments(params, network); },
-                  [&] { return set_samba(params); },  //
-                  [&] { return set_recycle_bin(network); });
+  STEP(fill_comments(params, network));
+  STEP(set_samba(params));
+  return set_recycle_bin(network);
 }
 
 Result disable() {
@@ -109,19 +110,18 @@ int load_printers(const std::string& printer_icon) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SetSMB(void) {
-  using namespace filesharing;
   return guarded(FSH_SAMBA_NOT_APPLIED, apply);
 }
 
 unsigned ResetGuest(void) {
-  using namespace filesharing;
   return guarded(FSH_GUEST_NOT_SET,
                  [] { return follow("guest_access", FSH_GUEST_NOT_SET, map_user_names); });
 }
 
 unsigned ResetPrinter(void) {
-  using namespace filesharing;
   return guarded(FSH_PRINTER_NOT_SET,
                  [] { return follow("printer_icon", FSH_PRINTER_NOT_SET, load_printers); });
 }

@@ -104,16 +104,13 @@ Result check_wins_server(const SambaSettings& settings) {
 }
 
 Result check(SambaSettings& settings) {
-  return in_order(
-      [&] { return check_switch(field_text(settings.msn_enable), FSH_BAD_SAMBA_SWITCH); },
-      [&] { return check_workgroup(settings); },
-      [&] { return check_switch(field_text(settings.wins_enable), FSH_BAD_WINS_SWITCH); },
-      [&] { return tidy_wins_server(settings); },  //
-      [&] { return check_wins_server(settings); },
-      [&] {
-        return check_name(field_text(settings.printer_name), kNotInPrinterName,
-                          FSH_BAD_PRINTER_NAME, FSH_PRINTER_NAME_MULTIBYTE);
-      });
+  STEP(check_switch(field_text(settings.msn_enable), FSH_BAD_SAMBA_SWITCH));
+  STEP(check_workgroup(settings));
+  STEP(check_switch(field_text(settings.wins_enable), FSH_BAD_WINS_SWITCH));
+  STEP(tidy_wins_server(settings));
+  STEP(check_wins_server(settings));
+  return check_name(field_text(settings.printer_name), kNotInPrinterName, FSH_BAD_PRINTER_NAME,
+                    FSH_PRINTER_NAME_MULTIBYTE);
 }
 
 // ---- Saving
@@ -133,14 +130,16 @@ Result check_and_save(SambaSettings* settings) {
   if (settings == nullptr) {
     return FSH_ARGUMENT;
   }
-  return in_order([&] { return check(*settings); }, [&] { return save(*settings); });
+  STEP(check(*settings));
+  return save(*settings);
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ReadSambaConf(SambaSettings* settings) {
-  using namespace filesharing;
   if (settings == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -148,7 +147,6 @@ unsigned ReadSambaConf(SambaSettings* settings) {
 }
 
 unsigned SaveSambaConf(SambaSettings* settings) {
-  using namespace filesharing;
   if (!take_lock_file(paths::kSambaLock)) {
     return FSH_SAMBA_SETTINGS_NOT_SAVED;
   }

@@ -27,7 +27,7 @@ Result change_access(const Batch& batch, Result busy, Result no_room, std::uint6
                                    .repeats = batch.count > 1,
                                    .registers = true,
                                    .mirrors = false};
-  return transact(options, [&](Transaction&) {
+  return transact(options, [&] {
     Result result = FSH_OK;
     for (int i = 0; i < batch.count && result == FSH_OK; ++i) {
       result = change(batch.names[i]);

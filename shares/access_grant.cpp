@@ -26,9 +26,7 @@ Result grant(const char* group, const char* share_name, int read_only) {
 
   ShareGroupInfo access{};
   copy_field(access.name, share_name);
-  if (const Result failed = GetShareGroup(&access)) {
-    return failed;
-  }
+  STEP(GetShareGroup(&access));
   const bool is_member = find_group(access.groups, group) != nullptr;
   append_group(access.groups, entry);
   const AccessList owner(access.groups);
@@ -37,9 +35,7 @@ Result grant(const char* group, const char* share_name, int read_only) {
   }
   ShareInfo share{};
   copy_field(share.name, share_name);
-  if (const Result failed = GetShareInfo(&share)) {
-    return failed;
-  }
+  STEP(GetShareInfo(&share));
   share.groups = access.groups;
   return AddShareWithGroup(&share);
 }
@@ -47,8 +43,9 @@ Result grant(const char* group, const char* share_name, int read_only) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned AddGroupToShare(const char* group, const char* share, int read_only) {
-  using namespace filesharing;
   if (missing(group) || missing(share)) {
     return FSH_ARGUMENT;
   }
@@ -59,7 +56,6 @@ unsigned AddGroupToShare(const char* group, const char* share, int read_only) {
 }
 
 unsigned AddGroupsToShare(const char* share, const char* const* groups, int count, int read_only) {
-  using namespace filesharing;
   const Batch batch{groups, count};
   if (missing(share) || batch.empty()) {
     return FSH_ARGUMENT;
@@ -72,7 +68,6 @@ unsigned AddGroupsToShare(const char* share, const char* const* groups, int coun
 }
 
 unsigned AddGroupToShares(const char* group, const char* const* shares, int count, int read_only) {
-  using namespace filesharing;
   const Batch batch{shares, count};
   if (missing(group) || batch.empty()) {
     return FSH_ARGUMENT;

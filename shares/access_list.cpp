@@ -45,8 +45,9 @@ const ShareGroup* find_group(const ShareGroup* groups, std::string_view name) {
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 ShareGroup* GetShGroup(const char* access_list) {
-  using namespace filesharing;
   if (access_list == nullptr) {
     return nullptr;
   }
@@ -54,5 +55,5 @@ ShareGroup* GetShGroup(const char* access_list) {
 }
 
 void FreeShGrpList(ShareGroup* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }

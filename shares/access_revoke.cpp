@@ -42,9 +42,7 @@ Result pass_through_file(std::string& value) {
 }
 
 Result store(const std::string& key, std::string value, const std::string& path) {
-  if (const Result failed = pass_through_file(value)) {
-    return failed;
-  }
+  STEP(pass_through_file(value));
   return PRO_SetStr(nullptr, key.c_str(), value.c_str(), path.c_str()) == 0
              ? FSH_OK
              : FSH_ACCESS_NOT_REMOVED;
@@ -69,14 +67,10 @@ using EditAccess = std::string (*)(std::string_view text, std::string_view share
 // Replaces the share's lists in a daemon's file by what the registry says by now.
 Result revoke_in_file(const char* path, const char* group, const char* name, EditAccess edit) {
   FileRewrite rewrite(path);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   ShareGroupInfo access{};
   copy_field(access.name, name);
-  if (const Result failed = GetShareGroup(&access)) {
-    return failed;
-  }
+  STEP(GetShareGroup(&access));
   const AccessList owner(access.groups);
   rewrite.write(edit(read_rest(rewrite.source()), name, {access.groups, group}));
   return rewrite.commit({.runs = 2, .forgives_echild = true, .failure = FSH_ACCESS_NOT_REMOVED});
@@ -93,25 +87,23 @@ Result revoke(const char* group, const char* name) {
   copy_field(share.name, name);
   ShareGroupInfo access{};
   copy_field(access.name, name);
-  if (const Result failed =
-          in_order([&] { return GetShareInfo(&share); }, [&] { return GetShareGroup(&access); })) {
-    return failed;
-  }
+  STEP(GetShareInfo(&share));
+  STEP(GetShareGroup(&access));
   const AccessList owner(access.groups);
   const std::string groups = access_list_field(access.groups, group);
   // A failing step leaves what the earlier ones have done.
-  return in_order(
-      [&] { return revoke_in_registry(name, share, groups); },
-      [&] { return revoke_on_volume(name, share, groups); },
-      [&] { return revoke_in_smb(group, name); },
-      [&] { return revoke_in_file(paths::kAppleVolumes, group, name, with_afp_access); });
+  STEP(revoke_in_registry(name, share, groups));
+  STEP(revoke_on_volume(name, share, groups));
+  STEP(revoke_in_smb(group, name));
+  return revoke_in_file(paths::kAppleVolumes, group, name, with_afp_access);
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned DelGroupFromShare(const char* group, const char* share) {
-  using namespace filesharing;
   if (missing(group) || missing(share)) {
     return FSH_ARGUMENT;
   }
@@ -122,7 +114,6 @@ unsigned DelGroupFromShare(const char* group, const char* share) {
 }
 
 unsigned DelGroupsFromShare(const char* share, const char* const* groups, int count) {
-  using namespace filesharing;
   const Batch batch{groups, count};
   if (missing(share) || batch.empty()) {
     return FSH_ARGUMENT;
@@ -135,7 +126,6 @@ unsigned DelGroupsFromShare(const char* share, const char* const* groups, int co
 }
 
 unsigned DelGroupFromShares(const char* group, const char* const* shares, int count) {
-  using namespace filesharing;
   const Batch batch{shares, count};
   if (missing(group) || batch.empty()) {
     return FSH_ARGUMENT;

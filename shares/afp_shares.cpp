@@ -1,4 +1,6 @@
 // The lines of the shares in the Apple file service's list of folders.
+#include <tuple>
+
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
@@ -19,8 +21,9 @@ Result rewrite_folders(const EditText& edit) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SetAFPShare(const ShareInfo* record, unsigned read_only) {
-  using namespace filesharing;
   default_child_signal();
   if (record == nullptr) {
     return FSH_ARGUMENT;
@@ -35,19 +38,17 @@ unsigned WriteAFPShare(const ShareInfo* record) {
 }
 
 void write_afp(const ShareInfo* record, FILE* file, unsigned read_only) {
-  using namespace filesharing;
   if (record == nullptr || file == nullptr) {
     return;
   }
   // Without memory nothing is written: there is no result to tell it.
-  static_cast<void>(guarded(FSH_NO_MEMORY, [&] {
+  std::ignore = guarded(FSH_NO_MEMORY, [&] {
     write_text(file, afp_line(*record, read_only != 0));
     return FSH_OK;
-  }));
+  });
 }
 
 unsigned DelShareFromAFP(const char* key) {
-  using namespace filesharing;
   if (missing(key)) {
     return FSH_ARGUMENT;
   }

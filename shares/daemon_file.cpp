@@ -6,9 +6,7 @@ namespace filesharing {
 
 Result rewrite_daemon_file(const char* path, Result not_written, const EditText& edit) {
   FileRewrite rewrite(path);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   rewrite.write(edit(read_rest(rewrite.source())));
   return rewrite.commit({.runs = 2, .settle_seconds = 2, .failure = not_written});
 }

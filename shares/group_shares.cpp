@@ -12,9 +12,7 @@ namespace {
 
 Result collect_shares(GroupShareInfo& record) {
   ShareInfo* all = nullptr;
-  if (const Result failed = GetAllShare(&all)) {
-    return failed;
-  }
+  STEP(GetAllShare(&all));
   const HeapList<ShareInfo> owner(FreeShareList, all);
   ShareCollector shares(record);
   for (const ShareInfo* share = all; share != nullptr && !shares.full(); share = share->next) {
@@ -30,8 +28,9 @@ Result collect_shares(GroupShareInfo& record) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetGroupShareInfo(GroupShareInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
@@ -42,7 +41,6 @@ unsigned GetGroupShareInfo(GroupShareInfo* record) {
 }
 
 int EveryoneInDiskSh(int volume) {
-  using namespace filesharing;
   ShareGroupInfo share{};
   return guarded(0, [&] {
     copy_field(share.name, public_share_name(volume));

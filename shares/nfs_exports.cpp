@@ -1,4 +1,6 @@
 // /etc/exports, exports(5): every share that everyone may use, for all hosts.
+#include <tuple>
+
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -26,9 +28,7 @@ std::string export_line(const ShareInfo& share) {
 
 Result write_exports(const ShareInfo* shares) {
   FileRewrite rewrite(paths::kExports, {.place = TemporaryPlace::kTmp, .reads_source = false});
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   for (const ShareInfo* share = shares; share != nullptr; share = share->next) {
     rewrite.write(export_line(*share));
   }
@@ -37,10 +37,8 @@ Result write_exports(const ShareInfo* shares) {
 
 // Kept: whether NFS is on or off.
 Result update_exports(const ShareInfo* shares) {
-  if (const Result failed = write_exports(shares)) {
-    return failed;
-  }
-  static_cast<void>(run_command("/sbin/exportfs -r 2>/dev/null"));  // NFS may not be running
+  STEP(write_exports(shares));
+  std::ignore = run_command("/sbin/exportfs -r 2>/dev/null");  // NFS may not be running
   return FSH_OK;
 }
 
@@ -56,8 +54,9 @@ Result update_from_registry() {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned UpdateNFSConf(const ShareInfo* list) {
-  using namespace filesharing;
   return guarded(FSH_FAILED,
                  [&] { return list == nullptr ? update_from_registry() : update_exports(list); });
 }

@@ -102,8 +102,9 @@ int check_entry(NfsShare& entry) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ReadNFSShares(NfsShare** head) {
-  using namespace filesharing;
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -112,7 +113,6 @@ unsigned ReadNFSShares(NfsShare** head) {
 }
 
 unsigned ReadNFSShare(NfsShare* entry) {
-  using namespace filesharing;
   if (entry == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -120,12 +120,11 @@ unsigned ReadNFSShare(NfsShare* entry) {
 }
 
 int CheckNFSShare(NfsShare* entry) {
-  using namespace filesharing;
   return entry == nullptr ? -1 : guarded(-1, [&] { return check_entry(*entry); });
 }
 
 void FreeNFSShList(NfsShare* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }
 
 // Pages of another model of the server call these; here entries are read only.

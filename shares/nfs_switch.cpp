@@ -1,4 +1,6 @@
 // NFS on and off.
+#include <tuple>
+
 #include "conf/detached.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -17,10 +19,10 @@ bool is_enabled() {
 
 // Each daemon that is running already says so and ends: no status counts.
 std::optional<Result> start_daemons() {
-  static_cast<void>(run_command("/sbin/portmap 2>/dev/null"));
-  static_cast<void>(run_command("/sbin/nfsd"));
-  static_cast<void>(run_command("/sbin/mountd"));
-  static_cast<void>(run_command("/sbin/exportfs -a 2>/dev/null"));
+  std::ignore = run_command("/sbin/portmap 2>/dev/null");
+  std::ignore = run_command("/sbin/nfsd");
+  std::ignore = run_command("/sbin/mountd");
+  std::ignore = run_command("/sbin/exportfs -a 2>/dev/null");
   return std::nullopt;
 }
 
@@ -33,12 +35,14 @@ int save_switch(bool on) {
     return static_cast<int>(run_detached(options, start_daemons));
   }
   // Kept: the daemons go on running, with nothing exported.
-  static_cast<void>(run_command("/sbin/exportfs -au 2>/dev/null"));
+  std::ignore = run_command("/sbin/exportfs -au 2>/dev/null");
   return 0;
 }
 
 }  // namespace
 }  // namespace filesharing
+
+using namespace filesharing;
 
 int ReadNFSConf(unsigned* enabled) {
   if (enabled == nullptr) {
@@ -49,12 +53,12 @@ int ReadNFSConf(unsigned* enabled) {
 }
 
 int IsNFSEnabled(void) {
-  return filesharing::guarded(0, [] { return filesharing::is_enabled() ? 1 : 0; });
+  return guarded(0, [] { return is_enabled() ? 1 : 0; });
 }
 
 int SaveNFSConf(const unsigned* enabled) {
   if (enabled == nullptr) {
     return -1;
   }
-  return filesharing::guarded(-1, [&] { return filesharing::save_switch(*enabled != 0); });
+  return guarded(-1, [&] { return save_switch(*enabled != 0); });
 }

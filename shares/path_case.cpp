@@ -113,8 +113,9 @@ int rewrite_last_component(char* path) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 char* getname(const char* slash) {
-  using namespace filesharing;
   if (slash == nullptr || *slash == '\0') {
     return nullptr;
   }
@@ -122,7 +123,6 @@ char* getname(const char* slash) {
 }
 
 int case_dir(const char* directory, const char* name, char** stored) {
-  using namespace filesharing;
   if (directory == nullptr || name == nullptr || stored == nullptr) {
     return 0;
   }
@@ -136,7 +136,6 @@ int case_dir(const char* directory, const char* name, char** stored) {
 }
 
 int trans_dir(char* path) {
-  using namespace filesharing;
   if (path == nullptr) {
     return kNoneChanged;
   }
@@ -144,7 +143,6 @@ int trans_dir(char* path) {
 }
 
 int trans_dir_with_prefix(const char* prefix, char* path) {
-  using namespace filesharing;
   if (missing(path)) {
     return kNoneChanged;
   }
@@ -153,7 +151,6 @@ int trans_dir_with_prefix(const char* prefix, char* path) {
 }
 
 int simple_trans_dir(char* path) {
-  using namespace filesharing;
   if (missing(path)) {
     return -1;
   }
@@ -161,7 +158,6 @@ int simple_trans_dir(char* path) {
 }
 
 int trans_one_item(const char* directory, char* name) {
-  using namespace filesharing;
   if (missing(directory) || missing(name)) {
     return -1;
   }

@@ -72,8 +72,9 @@ std::string volume_share_name(const ShareInfo& share) {
 
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ShareStringPar(const char* value, ShareInfo* record) {
-  using namespace filesharing;
   if (missing(value) || record == nullptr) {
     return FSH_ARGUMENT;
   }

@@ -1,4 +1,6 @@
 // The shares of USB disks, which come and go with them.
+#include <tuple>
+
 #include "conf/appended_file.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
@@ -43,10 +45,10 @@ int add_shares(const std::string& disk) {
 
 // What one file no longer holds is no reason to keep it in the others: results do not count.
 void delete_share(const std::string& name, int volume) {
-  static_cast<void>(DelKeyFromConf(name.c_str(), paths::kRemovableShares));
-  static_cast<void>(PRO_DelSect(name.c_str(), paths::kRemovableSmbConf));
+  std::ignore = DelKeyFromConf(name.c_str(), paths::kRemovableShares);
+  std::ignore = PRO_DelSect(name.c_str(), paths::kRemovableSmbConf);
   const std::string folder = '"' + paths::volume_data(volume) + '/' + name + "/\"";
-  static_cast<void>(DelShareFromAFP(folder.c_str()));
+  std::ignore = DelShareFromAFP(folder.c_str());
 }
 
 int delete_shares(const std::string& disk, int volume, int count) {
@@ -59,8 +61,9 @@ int delete_shares(const std::string& disk, int volume, int count) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int AddWinShares(const char* prefix, int index) {
-  using namespace filesharing;
   if (prefix == nullptr) {
     return kFailed;
   }
@@ -68,7 +71,6 @@ int AddWinShares(const char* prefix, int index) {
 }
 
 int DelWinShares(const char* prefix, int index, int count) {
-  using namespace filesharing;
   if (prefix == nullptr) {
     return kFailed;
   }

@@ -1,4 +1,6 @@
 // Adding a share: AddShare makes a new one, AddShareWithGroup writes one with its access list.
+#include <tuple>
+
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -31,11 +33,12 @@ void make_new_folder(int volume, const std::string& escaped_path) {
   const bool has_slash = escaped_path.starts_with('/');
   const std::string folder =
       paths::volume_data(volume) + '/' + escaped_path.substr(has_slash ? 1 : 0);
-  static_cast<void>(run_command("/bin/mkdir -m 775 -p \"%s\" 2>/dev/null", folder.c_str()));
+  std::ignore = run_command("/bin/mkdir -m 775 -p \"%s\" 2>/dev/null", folder.c_str());
 }
 
 Result write_sections(const ShareInfo& share) {
-  return in_order([&] { return WriteSmbShare(&share); }, [&] { return WriteAFPShare(&share); });
+  STEP(WriteSmbShare(&share));
+  return WriteAFPShare(&share);
 }
 
 Result add_share(ShareInfo& record) {
@@ -46,14 +49,10 @@ Result add_share(ShareInfo& record) {
   ShareInfo share = written_fields(record);
   share.suffixed = 0;
   const std::string access_list = format(":administrators:%d", FSH_READ_WRITE);
-  if (const Result failed = register_share(share, access_list)) {
-    return failed;
-  }
+  STEP(register_share(share, access_list));
   list_on_volume(share, access_list, share.name);
   if (!is_removable_share(share.name)) {
-    if (const Result failed = prepare_share_folder(share, make_new_folder)) {
-      return failed;
-    }
+    STEP(prepare_share_folder(share, make_new_folder));
   }
   return write_sections(share);
 }
@@ -63,7 +62,7 @@ Result add_share_with_group(const ShareInfo& record) {
   share.groups = record.groups;
   const std::string access_list = access_list_field(share.groups);
   // A registry that can not be written has no code here: the entries of the daemons follow it.
-  static_cast<void>(register_share(share, access_list));
+  std::ignore = register_share(share, access_list);
   list_on_volume(share, access_list, volume_share_name(share));
   return write_sections(share);
 }
@@ -71,8 +70,9 @@ Result add_share_with_group(const ShareInfo& record) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned AddShare(ShareInfo* record) {
-  using namespace filesharing;
   if (record == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -90,11 +90,10 @@ unsigned AddShare(ShareInfo* record) {
                                    .backs_up = false,
                                    .mirrors = false,
                                    .out_of_memory = FSH_SHARE_NOT_ADDED};
-  return transact(options, [&](Transaction&) { return add_share(*record); });
+  return transact(options, [&] { return add_share(*record); });
 }
 
 unsigned AddShareWithGroup(ShareInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }

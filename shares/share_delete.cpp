@@ -1,4 +1,6 @@
 // Deleting one share, or all.
+#include <tuple>
+
 #include "conf/heap_list.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
@@ -47,35 +49,31 @@ Result leave_afp(const ShareInfo& share) {
 Result delete_share(const char* name) {
   ShareInfo share{};
   copy_field(share.name, name);
-  const Result result =
-      in_order([&] { return GetShareInfo(&share); },
-               [&] { return DelKeyFromConf(name, registry_file(name)); },
-               [&] { return leave_volume(name, share); }, [&] { return DelShareFromSMB(name); },
-               [&] { return leave_afp(share); });
-  if (result == FSH_OK && IsShUsedByTM(name) != 0) {
-    static_cast<void>(ResetmDNSConf());  // the share is gone whether or not it is still advertised
+  STEP(GetShareInfo(&share));
+  STEP(DelKeyFromConf(name, registry_file(name)));
+  STEP(leave_volume(name, share));
+  STEP(DelShareFromSMB(name));
+  STEP(leave_afp(share));
+  if (IsShUsedByTM(name) != 0) {
+    std::ignore = ResetmDNSConf();  // the share is gone whether or not it is still advertised
   }
-  return result;
+  return FSH_OK;
 }
 
 Result delete_all_shares(bool remove_folders) {
   ShareInfo* all = nullptr;
-  if (const Result failed = GetAllShare(&all)) {
-    return failed;
-  }
+  STEP(GetAllShare(&all));
   const HeapList<ShareInfo> owner(FreeShareList, all);
   for (const ShareInfo* share = all; share != nullptr; share = share->next) {
     // Kept: this share ends the run; the ones after it stay too.
     if (name_on_volume(share->name, *share) == "ADMIN") {
       return FSH_OK;
     }
-    if (const Result failed = DelShare(share->name)) {
-      return failed;
-    }
+    STEP(DelShare(share->name));
     if (remove_folders) {
       // Kept: the path goes to the shell as it stands: a blank splits it, "/" is the whole volume.
-      static_cast<void>(run_command("/bin/rm -fr /harddisk/volume_%d/data/%s 2>/dev/null",
-                                    share->volume, share->path));
+      std::ignore = run_command("/bin/rm -fr /harddisk/volume_%d/data/%s 2>/dev/null",
+                                share->volume, share->path);
     }
   }
   return FSH_OK;
@@ -83,9 +81,7 @@ Result delete_all_shares(bool remove_folders) {
 
 Result delete_all_sections() {
   ShareInfo* all = nullptr;
-  if (const Result failed = GetAllShare(&all)) {
-    return failed;
-  }
+  STEP(GetAllShare(&all));
   const HeapList<ShareInfo> owner(FreeShareList, all);
   for (const ShareInfo* share = all; share != nullptr; share = share->next) {
     if (PRO_DelSect(share->name, paths::kSmbConf) != 0) {
@@ -98,8 +94,9 @@ Result delete_all_sections() {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned DelShare(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return FSH_ARGUMENT;
   }
@@ -110,15 +107,13 @@ unsigned DelShare(const char* name) {
                                    .busy = FSH_SHARE_NOT_DELETED,
                                    .no_room = FSH_COPY_BACK_FAILED,
                                    .mirrors = false};
-  return transact(options, [&](Transaction&) { return delete_share(name); });
+  return transact(options, [&] { return delete_share(name); });
 }
 
 unsigned DelAllShare(int remove_folders) {
-  using namespace filesharing;
   return guarded(FSH_NO_MEMORY, [&] { return delete_all_shares(remove_folders != 0); });
 }
 
 unsigned DelAllShareFromSMB(void) {
-  using namespace filesharing;
   return guarded(FSH_NO_MEMORY, [] { return delete_all_sections(); });
 }

@@ -1,5 +1,7 @@
 #include "shares/share_folder.h"
 
+#include <tuple>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,8 +24,8 @@ void open_folders_to_all(std::string path) {
        slash = path.rfind('/')) {
     path.resize(slash);
     // A folder that is not there, or whose owner stays, is not a reason to undo the share.
-    static_cast<void>(chown(path.c_str(), kOwner, kGroup));
-    static_cast<void>(chmod(path.c_str(), kOpenToAll));
+    std::ignore = chown(path.c_str(), kOwner, kGroup);
+    std::ignore = chmod(path.c_str(), kOpenToAll);
   }
 }
 
@@ -34,8 +36,8 @@ Result make_open_folder(const ShareInfo& share, MakeFolder make_folder) {
   }
   const std::string escaped = shell_escaped(share.path);
   make_folder(share.volume, escaped);
-  static_cast<void>(run_command("/bin/chown %s.%s /harddisk/volume_%d/data\"%s\" 2>/dev/null",
-                                "admin", "everyone", share.volume, escaped.c_str()));
+  std::ignore = run_command("/bin/chown %s.%s /harddisk/volume_%d/data\"%s\" 2>/dev/null", "admin",
+                            "everyone", share.volume, escaped.c_str());
   // Kept: the walk takes the escaped path, so a folder whose name needed a backslash stays closed.
   open_folders_to_all(data + escaped);
   return FSH_OK;

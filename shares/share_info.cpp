@@ -72,9 +72,7 @@ Result read_value_of_share(const char* name, std::optional<std::string>& value) 
 
 Result fill_share_group(ShareGroupInfo& record) {
   std::optional<std::string> value;
-  if (const Result failed = read_value_of_share(record.name, value)) {
-    return failed;
-  }
+  STEP(read_value_of_share(record.name, value));
   if (!value) {
     return FSH_SHARE_UNREGISTERED;
   }
@@ -86,9 +84,7 @@ Result fill_share_group(ShareGroupInfo& record) {
 
 Result fill_share_with_group(ShareInfo& share) {
   std::optional<std::string> value;
-  if (const Result failed = read_value_of_share(share.name, value)) {
-    return failed;
-  }
+  STEP(read_value_of_share(share.name, value));
   return missing(value ? value->c_str() : nullptr) ? FSH_OK
                                                    : ShareStringPar(value->c_str(), &share);
 }
@@ -96,8 +92,9 @@ Result fill_share_with_group(ShareInfo& share) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ShareExist(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return 0;
   }
@@ -105,7 +102,6 @@ int ShareExist(const char* name) {
 }
 
 unsigned GetShareInfo(ShareInfo* record) {
-  using namespace filesharing;
   if (record == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -114,7 +110,6 @@ unsigned GetShareInfo(ShareInfo* record) {
 }
 
 unsigned GetShareGroup(ShareGroupInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
@@ -124,7 +119,6 @@ unsigned GetShareGroup(ShareGroupInfo* record) {
 }
 
 unsigned GetShareWithGroup(ShareInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }

@@ -1,5 +1,6 @@
 // Listing the shares: their names, or their records with the access lists.
 #include <cstdlib>
+#include <tuple>
 
 #include "conf/heap_list.h"
 #include "conf/text.h"
@@ -70,7 +71,7 @@ Result list_shares(Admits admits, ShareList& shares) {
   }
   // Kept: a malformed line in the first file empties the list and is forgotten, one in the second
   // is the result.
-  static_cast<void>(list_file(fixed, admits, shares));
+  std::ignore = list_file(fixed, admits, shares);
   return list_file(removable, admits, shares);
 }
 
@@ -90,8 +91,9 @@ unsigned list_into(ShareInfo** head, Admits admits) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetShareNameList(ShareNameItem** head) {
-  using namespace filesharing;
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -105,7 +107,7 @@ unsigned GetShareNameList(ShareNameItem** head) {
 }
 
 void FreeShareNameList(ShareNameItem* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }
 
 unsigned GetNumOfShares(void) {
@@ -122,13 +124,13 @@ unsigned GetNumOfShares(void) {
 }
 
 unsigned GetAllShare(ShareInfo** head) {
-  return filesharing::list_into(head, filesharing::admits_all);
+  return list_into(head, admits_all);
 }
 
 unsigned GetExtShare(ShareInfo** head) {
-  return filesharing::list_into(head, filesharing::is_not_of_a_flash_disk);
+  return list_into(head, is_not_of_a_flash_disk);
 }
 
 void FreeShareList(ShareInfo* head) {
-  filesharing::free_list(head, [](ShareInfo& share) { FreeShGrpList(share.groups); });
+  free_list(head, [](ShareInfo& share) { FreeShGrpList(share.groups); });
 }

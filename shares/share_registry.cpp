@@ -1,5 +1,7 @@
 #include "shares/share_registry.h"
 
+#include <tuple>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,8 +21,8 @@ void make_removable_registry() {
   constexpr mode_t kMode = 0644;
   const int file = open(paths::kRemovableShares, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
   if (file >= 0) {
-    static_cast<void>(fchmod(file, kMode));  // whatever the mask of the page; it is readable anyway
-    static_cast<void>(close(file));          // nothing was written
+    std::ignore = fchmod(file, kMode);  // whatever the mask of the page; it is readable anyway
+    std::ignore = close(file);          // nothing was written
   }
 }
 
@@ -69,8 +71,8 @@ void list_on_volume(const ShareInfo& share, std::string_view access_list,
   if (!is_removable_share(share.name)) {
     const std::string value = volume_value(registry_value(share, access_list));
     // A list that can not be written has no code: a volume that is not there is told by its folder.
-    static_cast<void>(PRO_SetStr(nullptr, name_on_volume.c_str(), value.c_str(),
-                                 paths::volume_shares(share.volume).c_str()));
+    std::ignore = PRO_SetStr(nullptr, name_on_volume.c_str(), value.c_str(),
+                             paths::volume_shares(share.volume).c_str());
   }
 }
 

@@ -1,4 +1,6 @@
 // Updating a share: its comment, folder, volume or name.
+#include <tuple>
+
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
@@ -42,51 +44,46 @@ Result rename_in_volume(const char* old_name, const ShareInfo& old_share, const 
 
 // Kept: the AFP line under the old name stays, and so does a removable share's registry line.
 Result rename_share(const char* old_name, const ShareInfo& old_share, ShareInfo& record) {
-  const Result result =
-      in_order([&] { return RenameKey(old_name, record.name, paths::kShares); },
-               [&] { return rename_in_volume(old_name, old_share, record); },
-               [&] { return RenameSect(old_name, record.name, paths::kSmbConf); });
-  if (result == FSH_OK) {
-    record.suffixed = 0;
-  }
-  return result;
+  STEP(RenameKey(old_name, record.name, paths::kShares));
+  STEP(rename_in_volume(old_name, old_share, record));
+  STEP(RenameSect(old_name, record.name, paths::kSmbConf));
+  record.suffixed = 0;
+  return FSH_OK;
 }
 
 void make_updated_folder(int volume, const std::string& escaped_path) {
-  static_cast<void>(run_command("/bin/mkdir -m 775 -p /harddisk/volume_%d/data\"%s\" 2>/dev/null",
-                                volume, escaped_path.c_str()));
+  std::ignore = run_command("/bin/mkdir -m 775 -p /harddisk/volume_%d/data\"%s\" 2>/dev/null",
+                            volume, escaped_path.c_str());
 }
 
 Result write_share_with(ShareGroup* groups, const ShareInfo& record) {
   ShareInfo share = written_fields(record);
   share.groups = groups;
-  if (const Result failed = AddShareWithGroup(&share)) {
-    return failed;
-  }
+  STEP(AddShareWithGroup(&share));
   return is_removable_share(share.name) ? FSH_OK : prepare_share_folder(share, make_updated_folder);
 }
 
 Result update_share(const char* old_name, ShareInfo& record) {
   ShareGroupInfo access{};
   copy_field(access.name, old_name);
-  if (const Result failed = GetShareGroup(&access)) {
-    return failed;
-  }
+  STEP(GetShareGroup(&access));
   const AccessList owner(access.groups);
   ShareInfo old_share{};
   copy_field(old_share.name, old_name);
-  const bool renamed = std::string_view(old_name) != record.name;
-  return in_order([&] { return GetShareInfo(&old_share); },
-                  [&] { return leave_old_volume(old_name, old_share, record); },
-                  [&] { return renamed ? rename_share(old_name, old_share, record) : FSH_OK; },
-                  [&] { return write_share_with(access.groups, record); });
+  STEP(GetShareInfo(&old_share));
+  STEP(leave_old_volume(old_name, old_share, record));
+  if (std::string_view(old_name) != record.name) {
+    STEP(rename_share(old_name, old_share, record));
+  }
+  return write_share_with(access.groups, record);
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned UpdateShare(const char* old_name, ShareInfo* record) {
-  using namespace filesharing;
   default_child_signal();
   if (missing(old_name) || record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
@@ -105,5 +102,5 @@ unsigned UpdateShare(const char* old_name, ShareInfo* record) {
                                    .adds = kMostShareBytes,
                                    .registers = true,
                                    .mirrors = false};
-  return transact(options, [&](Transaction&) { return update_share(old_name, *record); });
+  return transact(options, [&] { return update_share(old_name, *record); });
 }

@@ -74,8 +74,9 @@ char* public_share(int volume) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int dir_shared(const char* path, int volume) {
-  using namespace filesharing;
   if (missing(path)) {
     return -1;
   }
@@ -83,7 +84,6 @@ int dir_shared(const char* path, int volume) {
 }
 
 char* GetPublicSh(int volume) {
-  using namespace filesharing;
   if (volume < kFirstVolume || volume > kLastVolume) {
     return nullptr;
   }

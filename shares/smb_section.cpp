@@ -1,6 +1,7 @@
 #include "shares/smb_section.h"
 
 #include <optional>
+#include <tuple>
 
 #include "conf/text.h"
 #include "shares/access_text.h"
@@ -22,7 +23,7 @@ std::optional<std::string_view> section_name(std::string_view line) {
 
 void skip_body(std::string_view& rest) {
   while (!rest.empty() && !rest.starts_with('[')) {
-    static_cast<void>(take_line(rest));
+    std::ignore = take_line(rest);
   }
 }
 

@@ -1,4 +1,6 @@
 // The sections of the shares in Samba's files.
+#include <tuple>
+
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
@@ -22,8 +24,9 @@ Result set_section(const ShareInfo& share, bool read_only) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SetSmbShare(const ShareInfo* record, unsigned read_only) {
-  using namespace filesharing;
   default_child_signal();
   if (record == nullptr) {
     return FSH_ARGUMENT;
@@ -36,19 +39,17 @@ unsigned WriteSmbShare(const ShareInfo* record) {
 }
 
 void write_share(const ShareInfo* record, FILE* file, unsigned read_only) {
-  using namespace filesharing;
   if (record == nullptr || file == nullptr) {
     return;
   }
   // Without memory nothing is written: there is no result to tell it.
-  static_cast<void>(guarded(FSH_NO_MEMORY, [&] {
+  std::ignore = guarded(FSH_NO_MEMORY, [&] {
     write_text(file, smb_section_body(*record, read_only != 0));
     return FSH_OK;
-  }));
+  });
 }
 
 unsigned DelShareFromSMB(const char* name) {
-  using namespace filesharing;
   if (missing(name)) {
     return FSH_ARGUMENT;
   }

@@ -1,5 +1,7 @@
 #include "users/smb_account.h"
 
+#include <tuple>
+
 #include <unistd.h>
 
 #include "conf/file_rewrite.h"
@@ -38,9 +40,8 @@ bool copy_renamed(FileRewrite& rewrite, const std::string& old_name, const std::
 
 // The copy brought the content alone; the tool refuses a file that others can read.
 void protect_smb_accounts() {
-  static_cast<void>(
-      SYSTEM("/bin/chown root:%s %s 2>/dev/null", "administrators", paths::kSmbPasswd));
-  static_cast<void>(SYSTEM("/bin/chmod 600 %s 2>/dev/null", paths::kSmbPasswd));
+  std::ignore = SYSTEM("/bin/chown root:%s %s 2>/dev/null", "administrators", paths::kSmbPasswd);
+  std::ignore = SYSTEM("/bin/chmod 600 %s 2>/dev/null", paths::kSmbPasswd);
   sync();
 }
 
@@ -67,26 +68,22 @@ Result set_smb_password(const std::string& name, const std::string& password) {
 
 void flush_smb_accounts() {
   if (Stream stream = open_stream(paths::kSmbPasswd, "a")) {
-    static_cast<void>(close_flushed(std::move(stream)));  // the tool has checked its own writing
+    std::ignore = close_flushed(std::move(stream));  // the tool has checked its own writing
   }
 }
 
 void end_smb_connections(std::int32_t uid) {
-  static_cast<void>(run_command(R"(/usr/sbin/smbstatus "%d" >/dev/null 2>&1)", uid));
+  std::ignore = run_command(R"(/usr/sbin/smbstatus "%d" >/dev/null 2>&1)", uid);
 }
 
 Result rename_smb_account(const std::string& old_name, const std::string& new_name) {
   FileRewrite rewrite(paths::kSmbPasswd);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   if (!copy_renamed(rewrite, old_name, new_name)) {
     return FSH_USER_NOT_UPDATED;
   }
   const CopyBack copy_back{.through = Through::kUtilityLibrary, .failure = FSH_USER_NOT_UPDATED};
-  if (const Result failed = rewrite.commit(copy_back)) {
-    return failed;
-  }
+  STEP(rewrite.commit(copy_back));
   protect_smb_accounts();
   return FSH_OK;
 }

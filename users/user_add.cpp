@@ -52,26 +52,21 @@ Result join_everyone(const UserInfo& user) {
 }
 
 Result add_user(const UserInfo& user) {
-  return in_order([&] { return append_account(user); },  //
-                  [&] { return SetUserQuota(user.name, user.quota); },
-                  [&] { return add_smb_account(user.name, user.password); },
-                  [] {
-                    flush_smb_accounts();
-                    return FSH_OK;
-                  },
-                  [&] { return join_everyone(user); },
-                  [&] {
-                    return add_to_everyone(
-                        {.name = user.name, .quota = user.quota},
-                        {.runs = 2, .forgives_echild = true, .failure = FSH_USER_NOT_ADDED});
-                  });
+  STEP(append_account(user));
+  STEP(SetUserQuota(user.name, user.quota));
+  STEP(add_smb_account(user.name, user.password));
+  flush_smb_accounts();
+  STEP(join_everyone(user));
+  return add_to_everyone({.name = user.name, .quota = user.quota},
+                         {.runs = 2, .forgives_echild = true, .failure = FSH_USER_NOT_ADDED});
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned AddUser(const UserInfo* record) {
-  using namespace filesharing;
   default_child_signal();
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
@@ -86,5 +81,5 @@ unsigned AddUser(const UserInfo* record) {
                    .adds = kMostLineBytes,
                    .appends = FSH_FILE_PASSWORD | FSH_FILE_SMBPASS,
                    .out_of_memory = FSH_USER_NOT_ADDED},
-                  [&](Transaction&) { return add_user(user); });
+                  [&] { return add_user(user); });
 }

@@ -36,11 +36,10 @@ void end_connections(const char* name) {
 }
 
 Result delete_user_lines(const char* name) {
-  Result result = FSH_OK;
   for (const char* path : kFilesWithUserLines) {
-    result = result == FSH_OK ? DelKeyItem(name, path, ':') : result;
+    STEP(DelKeyItem(name, path, ':'));
   }
-  return result;
+  return FSH_OK;
 }
 
 Result leave_groups(const char* name) {
@@ -64,19 +63,23 @@ Result leave_lists(const char* name) {
                            .failure = FSH_USER_NOT_DELETED});
 }
 
-Result delete_user(const char* name) {
+Result delete_everywhere(const char* name) {
   end_connections(name);
-  const Result result =
-      in_order([&] { return delete_user_lines(name); }, [&] { return leave_groups(name); },
-               [&] { return leave_lists(name); });
-  return result == FSH_OK ? FSH_OK : FSH_USER_NOT_DELETED;
+  STEP(delete_user_lines(name));
+  STEP(leave_groups(name));
+  return leave_lists(name);
+}
+
+Result delete_user(const char* name) {
+  return delete_everywhere(name) == FSH_OK ? FSH_OK : FSH_USER_NOT_DELETED;
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned DelUser(const char* name) {
-  using namespace filesharing;
   default_child_signal();
   if (missing(name)) {
     return FSH_ARGUMENT;
@@ -88,7 +91,7 @@ unsigned DelUser(const char* name) {
                    .busy = FSH_USER_NOT_DELETED,
                    .no_room = FSH_USER_NOT_DELETED,
                    .out_of_memory = FSH_USER_NOT_DELETED},
-                  [&](Transaction&) { return delete_user(name); });
+                  [&] { return delete_user(name); });
 }
 
 unsigned DelAllUser(void) {
@@ -97,7 +100,7 @@ unsigned DelAllUser(void) {
     return FSH_USER_NOT_DELETED;
   }
   for (const UserNameItem* user = head; user != nullptr; user = user->next) {
-    if (!filesharing::is_reserved(user->name) && DelUser(user->name) != FSH_OK) {
+    if (!is_reserved(user->name) && DelUser(user->name) != FSH_OK) {
       // Kept: the list is not freed; a page that gets here ends at once.
       return FSH_USER_NOT_DELETED;  // NOLINT(clang-analyzer-unix.Malloc)
     }

@@ -36,8 +36,9 @@ Result fill_user_info(UserInfo& record) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetUserInfo(UserInfo* record) {
-  using namespace filesharing;
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
@@ -49,7 +50,6 @@ unsigned GetUserInfo(UserInfo* record) {
 }
 
 int IsUserPassCorrect(const char* name, const char* password) {
-  using namespace filesharing;
   if (name == nullptr || password == nullptr) {
     return 0;
   }

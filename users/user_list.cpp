@@ -1,5 +1,6 @@
 // All users with their fields and groups.
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 
 #include "conf/heap_list.h"
@@ -16,9 +17,7 @@ namespace {
 Result append_user(HeapList<UserItem>& users, const UserDirectory& directory, const char* name) {
   UserInfo user{};
   copy_field(user.name, name);
-  if (const Result failed = directory.fill_info(user)) {
-    return failed;
-  }
+  STEP(directory.fill_info(user));
   UserItem& item = users.append();
   item.user = user;
   item.groups = allocate<GroupUserInfo>();
@@ -36,36 +35,34 @@ Result read_users(UserItem** head) {
     return FSH_CANNOT_OPEN;
   }
   UserNameItem* first_name = nullptr;
-  if (const Result failed = GetUserNameList(&first_name)) {
-    return failed;
-  }
+  STEP(GetUserNameList(&first_name));
   HeapList<UserNameItem> names(FreeUserNameList, first_name);
   const UserDirectory directory(stream.get());
   HeapList<UserItem> users(FreeUserList);
   for (const UserNameItem* name = first_name; name != nullptr; name = name->next) {
-    if (const Result failed = append_user(users, directory, name->name)) {
-      return failed;
-    }
+    STEP(append_user(users, directory, name->name));
   }
   *head = users.release();
   // Kept: the stream stays open until the page ends.
-  static_cast<void>(stream.release());
+  std::ignore = stream.release();
   return FSH_OK;
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetAllUser(UserItem** head) {
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return filesharing::guarded(FSH_NO_MEMORY, [&] { return filesharing::read_users(head); });
+  return guarded(FSH_NO_MEMORY, [&] { return read_users(head); });
 }
 
 void FreeUserList(UserItem* head) {
-  filesharing::free_list(head, [](UserItem& item) {
+  free_list(head, [](UserItem& item) {
     if (item.groups == nullptr) {
       return;
     }

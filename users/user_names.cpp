@@ -65,20 +65,22 @@ class UserNames {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned GetUserNameList(UserNameItem** head) {
   if (head == nullptr) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return filesharing::guarded(FSH_NO_MEMORY, [&] { return filesharing::read_user_names(head); });
+  return guarded(FSH_NO_MEMORY, [&] { return read_user_names(head); });
 }
 
 void FreeUserNameList(UserNameItem* head) {
-  filesharing::free_list(head);
+  free_list(head);
 }
 
 int UserExist(const char* name) {
-  const filesharing::UserNames names;
+  const UserNames names;
   for (const UserNameItem* item = names.head(); item != nullptr; item = item->next) {
     if (name != nullptr && std::strcmp(item->name, name) == 0) {
       return 1;
@@ -88,7 +90,7 @@ int UserExist(const char* name) {
 }
 
 unsigned GetNumOfUsers(void) {
-  const filesharing::UserNames names;
+  const UserNames names;
   if (!names.listed()) {
     return FSH_FAILED;
   }

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cinttypes>
+#include <tuple>
 
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -40,7 +41,7 @@ std::string quota_prototype(const DiskPresence& disks, std::uint32_t megabytes) 
 
 Result set_user_quota(const char* name, std::uint32_t megabytes) {
   default_child_signal();
-  static_cast<void>(unlink(paths::kQuotaPrototype));  // there may be none
+  std::ignore = unlink(paths::kQuotaPrototype);  // there may be none
   const std::string prototype = quota_prototype(DiskPresence(), megabytes);
   if (prototype.empty()) {
     return FSH_OK;
@@ -61,8 +62,9 @@ Result set_user_quota(const char* name, std::uint32_t megabytes) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SetUserQuota(const char* name, uint32_t megabytes) {
-  using namespace filesharing;
   if (name == nullptr) {
     return FSH_ARGUMENT;
   }

@@ -65,9 +65,7 @@ std::string updated_line(const Update& update) {
 Result replace_account(const Update& update, Transaction& transaction) {
   transaction.on_failure = OnFailure::kUnlockOnly;
   FileRewrite rewrite(paths::kPasswd);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   transaction.on_failure = OnFailure::kRestore;
   const std::string prefix = update.old_name + ':';
   for (PieceReader piece(rewrite.source(), kPieceLength); piece.next();) {
@@ -88,9 +86,7 @@ Result change_smb_password(const Update& update) {
   if (!update.new_password) {
     return FSH_OK;
   }
-  if (const Result failed = set_smb_password(update.old_name, update.user.password)) {
-    return failed;
-  }
+  STEP(set_smb_password(update.old_name, update.user.password));
   end_smb_connections(update.old_uid);
   flush_smb_accounts();
   return FSH_OK;
@@ -98,9 +94,7 @@ Result change_smb_password(const Update& update) {
 
 Result rename_in_groups(const Update& update) {
   FileRewrite rewrite(paths::kGroup);
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   bool renamed = false;
   for (LineReader line(rewrite.source()); line.next();) {
     const RenamedMember edited =
@@ -120,8 +114,9 @@ Result rename_user(const Update& update) {
   if (!update.renames()) {
     return FSH_OK;
   }
-  return in_order([&] { return rename_smb_account(update.old_name, update.user.name); },
-                  [&] { return rename_in_groups(update); }, [&] { return rename_account(update); });
+  STEP(rename_smb_account(update.old_name, update.user.name));
+  STEP(rename_in_groups(update));
+  return rename_account(update);
 }
 
 Result update_lists(const Update& update) {
@@ -141,10 +136,12 @@ Result change_web_password(Update& update) {
 }
 
 Result update_user(Update& update, Transaction& transaction) {
-  return in_order([&] { return replace_account(update, transaction); },
-                  [&] { return change_smb_password(update); }, [&] { return rename_user(update); },
-                  [&] { return update_lists(update); }, [&] { return change_web_password(update); },
-                  [&] { return SetUserQuota(update.user.name, update.user.quota); });
+  STEP(replace_account(update, transaction));
+  STEP(change_smb_password(update));
+  STEP(rename_user(update));
+  STEP(update_lists(update));
+  STEP(change_web_password(update));
+  return SetUserQuota(update.user.name, update.user.quota);
 }
 
 Result check_and_update(const char* old_name, const UserInfo& user) {
@@ -166,8 +163,9 @@ Result check_and_update(const char* old_name, const UserInfo& user) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned UpdateUser(const char* old_name, const UserInfo* record) {
-  using namespace filesharing;
   default_child_signal();
   if (old_name == nullptr || record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;

@@ -1,4 +1,6 @@
 // The AFP daemon: its configuration file and its restart.
+#include <tuple>
+
 #include "conf/detached.h"
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
@@ -12,22 +14,20 @@ namespace {
 
 Result write_configuration(const AfpSettings& settings) {
   FileRewrite rewrite(paths::kAfpd, {.place = TemporaryPlace::kTmp, .reads_source = false});
-  if (const Result failed = rewrite.open()) {
-    return failed;
-  }
+  STEP(rewrite.open());
   rewrite.write(afpd_line(settings));
   return rewrite.commit({.runs = 2, .settle_seconds = 2, .failure = FSH_AFP_NOT_SAVED});
 }
 
 std::optional<Result> restart(const AfpSettings& settings) {
-  static_cast<void>(run_command("/bin/killall afpd >/dev/null 2>&1"));  // it may not be running
+  std::ignore = run_command("/bin/killall afpd >/dev/null 2>&1");  // it may not be running
   if (settings.enabled != 0) {
     if (const Result failed = SetAFPDConf(settings)) {
       return failed;  // Kept: the background process goes on as a second caller, with this code.
     }
-    static_cast<void>(run_command("/usr/sbin/afpd >/dev/null 2>&1"));
+    std::ignore = run_command("/usr/sbin/afpd >/dev/null 2>&1");
   }
-  static_cast<void>(ResetmDNSConf());  // nobody is left to be told
+  std::ignore = ResetmDNSConf();  // nobody is left to be told
   return std::nullopt;
 }
 
@@ -43,11 +43,12 @@ Result reset() {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned SetAFPDConf(AfpSettings settings) {
-  using namespace filesharing;
   return guarded(FSH_AFP_NOT_SAVED, [&] { return write_configuration(settings); });
 }
 
 unsigned ResetAFP(void) {
-  return filesharing::guarded(FSH_AFP_NOT_RESET, filesharing::reset);
+  return guarded(FSH_AFP_NOT_RESET, reset);
 }

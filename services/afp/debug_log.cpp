@@ -1,5 +1,6 @@
 // Debug lines for whoever looks into AFP on a device; nothing in the library writes one.
 #include <cstdarg>
+#include <tuple>
 #include <utility>
 
 #include "conf/paths.h"
@@ -7,6 +8,8 @@
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/services.h"
+
+using namespace filesharing;
 
 namespace {
 
@@ -16,11 +19,10 @@ constexpr char kFunction[] = "debug_afp";
 constexpr int kLine = 23;
 
 void append_line(const std::string& message) {
-  using namespace filesharing;
   Stream log = open_stream(paths::kDebugLog, "a+");
   if (log) {
     write_text(log.get(), format("%s:%s():[%d]:", kFile, kFunction, kLine) + message + '\n');
-    static_cast<void>(close_written(std::move(log)));  // a debug line that is lost is lost
+    std::ignore = close_written(std::move(log));  // a debug line that is lost is lost
   }
 }
 
@@ -32,8 +34,8 @@ void debug_afp(const char* format, ...) {
   }
   va_list arguments;
   va_start(arguments, format);
-  filesharing::guarded(0, [&] {
-    append_line(filesharing::format_list(format, arguments));
+  guarded(0, [&] {
+    append_line(format_list(format, arguments));
     return 0;
   });
   va_end(arguments);

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "conf/file_copy.h"
@@ -23,9 +24,9 @@ constexpr unsigned kSecondsToSettle = 5;
 // The responder may not be running, and a second signal catches one that was just starting: no
 // status counts.
 void stop_responder() {
-  static_cast<void>(run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1"));
+  std::ignore = run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1");
   sleep(kSecondsToEnd);
-  static_cast<void>(run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1"));
+  std::ignore = run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1");
 }
 
 // The device's part of what is told; nothing without a name or a web port.
@@ -58,7 +59,7 @@ void add_afp(Advertised& advertised) {
 bool write_services(Advertised& advertised) {
   const OldContent old(paths::kMdnsResponder);
   // A failure shows again when the file is opened.
-  static_cast<void>(!truncate(paths::kMdnsResponder, 0));
+  std::ignore = truncate(paths::kMdnsResponder, 0);
   Stream responder = open_stream(paths::kMdnsResponder, "w");
   if (!responder) {
     return false;
@@ -79,13 +80,15 @@ int reset_responder() {
     return -1;
   }
   sleep(kSecondsToSettle);
-  static_cast<void>(run_command("/sbin/mDNSResponder >/dev/null 2>&1"));  // nobody waits for it
+  std::ignore = run_command("/sbin/mDNSResponder >/dev/null 2>&1");  // nobody waits for it
   return 0;
 }
 
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 int ResetmDNSConf(void) {
-  return filesharing::guarded(-1, filesharing::reset_responder);
+  return guarded(-1, reset_responder);
 }

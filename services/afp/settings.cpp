@@ -52,8 +52,9 @@ int save(const AfpSettings& settings) {
 }  // namespace
 }  // namespace filesharing
 
+using namespace filesharing;
+
 unsigned ReadAFPConf(AfpSettings* settings) {
-  using namespace filesharing;
   if (settings == nullptr) {
     return FSH_ARGUMENT;
   }
@@ -61,13 +62,11 @@ unsigned ReadAFPConf(AfpSettings* settings) {
 }
 
 int SaveAFPConf(const AfpSettings* settings) {
-  using namespace filesharing;
   constexpr int kNotSaved = FSH_AFP_NOT_SAVED;
   return settings != nullptr && guarded(-1, [&] { return save(*settings); }) == 0 ? 0 : kNotSaved;
 }
 
 int IsShUsedByTM(const char* share) {
-  using namespace filesharing;
   AfpSettings settings{};
   if (missing(share) || ReadAFPConf(&settings) != FSH_OK || settings.enabled == 0) {
     return 0;
