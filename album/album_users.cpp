@@ -1,6 +1,6 @@
 // Looking up the users of the photo album.
 #include "album/album_file.h"
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -83,7 +83,7 @@ int read_users(AlbumUserInfo** head) {
   if (!stream) {
     return -1;
   }
-  HeapList<AlbumUserInfo> users(FreeAlbumUserList);
+  CList<AlbumUserInfo> users(FreeAlbumUserList);
   std::optional<std::string> user;  // of the section, until its information has been read
   for (PieceReader line(stream.get(), kLongestAlbumLine); line.next();) {
     if (is_header(line.text())) {

@@ -40,7 +40,14 @@ void settle_in(const Detached& options) {
 
 }  // namespace
 
-Result run_detached(const Detached& options, const DetachedWork& work) {
+Result run_detached(const Detached& options, const std::function<void()>& work) {
+  return run_detached_until_failure(options, [&] {
+    work();
+    return FSH_OK;
+  });
+}
+
+Result run_detached_until_failure(const Detached& options, const std::function<Result()>& work) {
   if (fork() != 0) {
     if (options.caller_resets_child_signal) {
       default_child_signal();
@@ -52,9 +59,7 @@ Result run_detached(const Detached& options, const DetachedWork& work) {
     _exit(0);  // not exit: the page's buffered output is the caller's to write
   }
   settle_in(options);
-  if (const auto result = guarded(std::optional<Result>(), work)) {
-    return *result;
-  }
+  STEP(guarded<Result>(FSH_OK, work));
   _exit(0);
 }
 

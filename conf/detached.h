@@ -3,7 +3,6 @@
 #define FILESHARING_CONF_DETACHED_H
 
 #include <functional>
-#include <optional>
 
 #include "conf/result.h"
 
@@ -19,13 +18,14 @@ struct Detached {
   bool caller_resets_child_signal = false;
 };
 
-// Work of the detached process. An empty result ends the process with status 0; with a code, that
-// process returns it out of run_detached, as if it were the caller.
-using DetachedWork = std::function<std::optional<Result>()>;
-
 // Forks twice and returns FSH_OK to the caller at once, without waiting for either child. When the
-// second fork fails, the first child does the work; when the first one fails, nobody does.
-Result run_detached(const Detached& options, const DetachedWork& work);
+// second fork fails, the first child does the work; when the first one fails, nobody does. The
+// detached process ends with the work, with status 0.
+Result run_detached(const Detached& options, const std::function<void()>& work);
+
+// The same, but a detached process whose work fails does not end: it returns the code out of this
+// call, as if it were the caller.
+Result run_detached_until_failure(const Detached& options, const std::function<Result()>& work);
 
 }  // namespace filesharing
 

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <optional>
 #include <tuple>
 
 #include "conf/detached.h"
@@ -18,11 +17,9 @@ void stop_inetd() {
 }
 
 Result start_inetd_detached() {
-  return run_detached({.closes_descriptors = false, .sleep_seconds = 1},
-                      []() -> std::optional<Result> {
-                        execl(paths::kRestartInetd, "rc.xinetd", static_cast<char*>(nullptr));
-                        return std::nullopt;
-                      });
+  return run_detached({.closes_descriptors = false, .sleep_seconds = 1}, [] {
+    execl(paths::kRestartInetd, "rc.xinetd", static_cast<char*>(nullptr));
+  });
 }
 
 }  // namespace filesharing

@@ -13,6 +13,9 @@
 
 namespace filesharing {
 
+// What a GroupUserInfo holds at most.
+constexpr int kMostNames = 255;
+
 struct Member {
   std::string_view name;
   std::string_view number;  // as it stands in the file

@@ -5,7 +5,6 @@
 
 #include "conf/line_reader.h"
 #include "conf/paths.h"
-#include "conf/share_collector.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/groups.h"
@@ -15,23 +14,14 @@
 
 namespace filesharing {
 
-namespace {
-
-// Null when the shares can not be listed: no group has any then.
-ShareInfo* all_shares() {
-  ShareInfo* shares = nullptr;
-  return GetAllShare(&shares) == FSH_OK ? shares : nullptr;
-}
-
-}  // namespace
-
-SharesByGroup::SharesByGroup() : shares_(FreeShareList, all_shares()) {
-  for (const ShareInfo* share = shares_.head(); share != nullptr; share = share->next) {
-    for (const ShareGroup* group = share->groups; group != nullptr; group = group->next) {
-      std::vector<Entry>& entries = entries_[std::string(field_text(group->name))];
+// When the shares can not be listed, no group has any.
+SharesByGroup::SharesByGroup() : shares_(GetAllShare, FreeShareList) {
+  for (const ShareInfo& share : shares_) {
+    for (const ShareGroup& group : Nodes(share.groups)) {
+      std::vector<Entry>& entries = entries_[std::string(field_text(group.name))];
       // The first entry of the group in an access list counts.
-      if (entries.empty() || entries.back().share != share) {
-        entries.push_back({.share = share, .rights = group->rights});
+      if (entries.empty() || entries.back().share != &share) {
+        entries.push_back({.share = &share, .rights = group.rights});
       }
     }
   }
@@ -44,13 +34,14 @@ GroupShareInfo* SharesByGroup::record_of(const char* group) const {
   }
   std::unique_ptr<GroupShareInfo, void (*)(void*)> record(allocate<GroupShareInfo>(), std::free);
   copy_field(record->name, group);
-  ShareCollector shares(*record);
+  CStrings shares(FSH_MOST_GROUP_SHARES);
   for (const Entry& entry : found->second) {
     if (!shares.full()) {
-      shares.add(entry.share->name, entry.rights);
+      record->rights[shares.count()] = entry.rights;
+      shares.add(entry.share->name);
     }
   }
-  shares.hand_over();
+  shares.hand_over(record->count, record->shares);
   return record.release();
 }
 

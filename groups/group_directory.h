@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/result.h"
 #include "filesharing/types.h"
 
@@ -25,7 +25,7 @@ class SharesByGroup {
   GroupShareInfo* record_of(const char* group) const;
 
  private:
-  HeapList<ShareInfo> shares_;
+  CList<ShareInfo> shares_;
   struct Entry {
     const ShareInfo* share;
     std::int32_t rights;

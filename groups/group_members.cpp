@@ -1,7 +1,7 @@
 #include "groups/group_members.h"
 
+#include "conf/c_list.h"
 #include "conf/member_list.h"
-#include "conf/name_collector.h"
 
 namespace filesharing {
 
@@ -14,7 +14,7 @@ constexpr std::size_t kMemberSpare = 20 - 1;
 }  // namespace
 
 Result fill_members(std::string_view value, GroupUserInfo& group) {
-  NameCollector names;
+  CStrings names(kMostNames);
   MemberReader members(value);
   while (!names.full() && members.next()) {
     if (!names.has_room()) {
@@ -25,7 +25,7 @@ Result fill_members(std::string_view value, GroupUserInfo& group) {
   if (members.malformed()) {
     return FSH_MALFORMED;
   }
-  names.hand_over(group);
+  names.hand_over(group.count, group.list);
   return FSH_OK;
 }
 

@@ -2,8 +2,8 @@
 #include <array>
 #include <cstring>
 
+#include "conf/c_list.h"
 #include "conf/file_copy.h"
-#include "conf/heap_list.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -71,12 +71,11 @@ Result add_group(const char* name) {
 
 // How often a group stands in the access lists of all shares.
 Result count_entries(const char* group, int& entries) {
-  ShareInfo* all = nullptr;
-  STEP(GetAllShare(&all));
-  const HeapList<ShareInfo> owner(FreeShareList, all);
-  for (const ShareInfo* share = all; share != nullptr; share = share->next) {
-    for (const ShareGroup* entry = share->groups; entry != nullptr; entry = entry->next) {
-      entries += std::strcmp(entry->name, group) == 0 ? 1 : 0;
+  const CList<ShareInfo> shares(GetAllShare, FreeShareList);
+  STEP(shares.result());
+  for (const ShareInfo& share : shares) {
+    for (const ShareGroup& entry : Nodes(share.groups)) {
+      entries += std::strcmp(entry.name, group) == 0 ? 1 : 0;
     }
   }
   return FSH_OK;
@@ -154,15 +153,14 @@ Result rename_in_share(const char* share, std::string_view old_name, std::string
   ShareInfo record{};
   copy_field(record.name, share);
   STEP(GetShareWithGroup(&record));
-  for (ShareGroup* group = record.groups; group != nullptr; group = group->next) {
-    if (group->name == old_name) {
-      copy_field(group->name, new_name);
+  const CList<ShareGroup> owner(record.groups, FreeShGrpList);
+  for (ShareGroup& group : Nodes(record.groups)) {
+    if (group.name == old_name) {
+      copy_field(group.name, new_name);
       break;
     }
   }
-  const Result result = AddShareWithGroup(&record);
-  free_list(record.groups);
-  return result;
+  return AddShareWithGroup(&record);
 }
 
 Result rename_in_shares(const char* old_name, const char* new_name) {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -30,7 +30,7 @@ Result read_group_names(GroupNameItem** head) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  HeapList<GroupNameItem> names(FreeGrpNameList);
+  CList<GroupNameItem> names(FreeGrpNameList);
   for (LineReader line(stream.get()); line.next();) {
     if (is_blank_line(line.text())) {
       continue;
@@ -61,7 +61,7 @@ std::int32_t find_gid(std::string_view name) {
   return FSH_GROUP_UNKNOWN;
 }
 
-Result append_group(HeapList<GroupItem>& groups, GroupDirectory& directory, std::string_view line) {
+Result append_group(CList<GroupItem>& groups, GroupDirectory& directory, std::string_view line) {
   GroupItem& item = groups.append();
   const Halves group = split_at(line, '=');
   if (group.head.empty() || group.tail.empty()) {
@@ -83,7 +83,7 @@ Result read_groups(GroupItem** head) {
   }
   GroupDirectory directory(stream.get());
   std::rewind(stream.get());
-  HeapList<GroupItem> groups(FreeGrpList);  // Kept: after a failure what was read is lost
+  CList<GroupItem> groups(FreeGrpList);  // Kept: after a failure what was read is lost
   for (LineReader line(stream.get()); line.next();) {
     if (is_blank_line(line.text())) {
       continue;
@@ -138,16 +138,8 @@ unsigned GetGrpNameList(GroupNameItem** head) {
 }
 
 unsigned GetNumOfGrps(void) {
-  GroupNameItem* head = nullptr;
-  if (GetGrpNameList(&head) != FSH_OK) {
-    return FSH_NO_GROUP_LIST;
-  }
-  unsigned count = 0;
-  for (const GroupNameItem* item = head; item != nullptr; item = item->next) {
-    ++count;
-  }
-  FreeGrpNameList(head);
-  return count;
+  const CList<GroupNameItem> names(GetGrpNameList, FreeGrpNameList);
+  return names.result() == FSH_OK ? names.size() : FSH_NO_GROUP_LIST;
 }
 
 unsigned GetAllGroup(GroupItem** head) {

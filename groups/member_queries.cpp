@@ -1,9 +1,9 @@
 // Which users a group has, and which groups a user is in.
 #include <cstdlib>
 
+#include "conf/c_list.h"
 #include "conf/line_reader.h"
 #include "conf/member_list.h"
-#include "conf/name_collector.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -33,7 +33,7 @@ Result read_groups(GroupUserInfo& user) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  NameCollector groups;
+  CStrings groups(kMostNames);
   const Result result = walk_members(stream.get(), [&](auto group, auto member) {
     if (member != user.name) {
       return Walk::kOn;
@@ -45,7 +45,7 @@ Result read_groups(GroupUserInfo& user) {
     return Walk::kOn;
   });
   if (result == FSH_OK) {
-    groups.hand_over(user);
+    groups.hand_over(user.count, user.list);
   }
   return result;
 }

@@ -109,12 +109,9 @@ void place_database(const Content& content) {
 }
 
 Result start_detached() {
-  return run_detached({.enters_root = false, .child_signal = ChildSignal::kUntouched},
-                      []() -> std::optional<Result> {
-                        execl(paths::kStartMediaServer, "mediaserver.sh", "start",
-                              static_cast<char*>(nullptr));
-                        return std::nullopt;
-                      });
+  return run_detached({.enters_root = false, .child_signal = ChildSignal::kUntouched}, [] {
+    execl(paths::kStartMediaServer, "mediaserver.sh", "start", static_cast<char*>(nullptr));
+  });
 }
 
 int reset(bool keep_db) {

@@ -52,10 +52,7 @@ int reset() {
     return -1;
   }
   const Detached options{.sleep_seconds = 10, .caller_resets_child_signal = true};
-  return static_cast<int>(run_detached(options, [&]() -> std::optional<Result> {
-    restart(*tunnel);
-    return std::nullopt;
-  }));
+  return static_cast<int>(run_detached(options, [&] { restart(*tunnel); }));
 }
 
 }  // namespace

@@ -10,33 +10,23 @@ namespace {
 // A group's name twice in an SMB section, with its quotes.
 constexpr std::uint64_t kMostEntryBytes = 64;
 
-void append_group(ShareGroup*& groups, AccessList& entry) {
-  ShareGroup** end = &groups;
-  while (*end != nullptr) {
-    end = &(*end)->next;
-  }
-  *end = entry.release();
-}
-
 Result grant(const char* group, const char* share_name, int read_only) {
-  AccessList entry;
-  ShareGroup& added = entry.append();
+  ShareGroup added{};
   copy_field(added.name, group);
   added.rights = read_only != 0 ? FSH_READ_ONLY : FSH_READ_WRITE;
 
   ShareGroupInfo access{};
   copy_field(access.name, share_name);
   STEP(GetShareGroup(&access));
-  const bool is_member = find_group(access.groups, group) != nullptr;
-  append_group(access.groups, entry);
-  const AccessList owner(access.groups);
-  if (is_member) {
+  AccessList groups(access.groups);
+  if (find_group(groups.head(), group) != nullptr) {
     return FSH_ACCESS_EXISTS;
   }
+  groups.append() = added;
   ShareInfo share{};
   copy_field(share.name, share_name);
   STEP(GetShareInfo(&share));
-  share.groups = access.groups;
+  share.groups = groups.head();
   return AddShareWithGroup(&share);
 }
 

@@ -25,22 +25,24 @@ ShareGroup* parse_access_list(std::string_view text) {
 
 std::string access_list_field(const ShareGroup* groups, std::string_view without) {
   std::string field;
-  for (const ShareGroup* group = groups; group != nullptr; group = group->next) {
+  for (const ShareGroup& group : Nodes(groups)) {
     // A group without a name is a group like any other here.
-    const std::string_view name = field_text(group->name);
+    const std::string_view name = field_text(group.name);
     if (without.empty() || name != without) {
       field.append(1, field.empty() ? ':' : ',').append(name);
-      field += format(":%d", group->rights);
+      field += format(":%d", group.rights);
     }
   }
   return field;
 }
 
 const ShareGroup* find_group(const ShareGroup* groups, std::string_view name) {
-  while (groups != nullptr && field_text(groups->name) != name) {
-    groups = groups->next;
+  for (const ShareGroup& group : Nodes(groups)) {
+    if (field_text(group.name) == name) {
+      return &group;
+    }
   }
-  return groups;
+  return nullptr;
 }
 
 }  // namespace filesharing

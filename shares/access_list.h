@@ -5,16 +5,15 @@
 #include <string>
 #include <string_view>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "filesharing/shares.h"
 
 namespace filesharing {
 
 // A list that is freed with its owner.
-class AccessList : public HeapList<ShareGroup> {
+class AccessList : public CList<ShareGroup> {
  public:
-  AccessList() : HeapList(FreeShGrpList) {}
-  explicit AccessList(ShareGroup* groups) : HeapList(FreeShGrpList, groups) {}
+  explicit AccessList(ShareGroup* groups = nullptr) : CList(groups, FreeShGrpList) {}
 };
 
 // Throws std::bad_alloc. Null for an empty text, for one that begins with a line end, and when some

@@ -1,5 +1,6 @@
 #include "shares/access_text.h"
 
+#include "conf/c_list.h"
 #include "conf/text.h"
 
 namespace filesharing {
@@ -12,9 +13,9 @@ std::string access_names(const ShareGroup* groups,
                          const std::function<bool(const ShareGroup& group)>& admits,
                          std::string_view quote) {
   std::string text = access_name(kAdministrators, quote);
-  for (const ShareGroup* group = groups; group != nullptr; group = group->next) {
-    const std::string_view name = field_text(group->name);
-    if (name != kAdministrators && admits(*group)) {
+  for (const ShareGroup& group : Nodes(groups)) {
+    const std::string_view name = field_text(group.name);
+    if (name != kAdministrators && admits(group)) {
       text.append(",").append(access_name(name, quote));
     }
   }

@@ -1,7 +1,6 @@
 // Which shares a group is on, and whether everyone is on a volume's public share.
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/result.h"
-#include "conf/share_collector.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
@@ -11,17 +10,17 @@ namespace filesharing {
 namespace {
 
 Result collect_shares(GroupShareInfo& record) {
-  ShareInfo* all = nullptr;
-  STEP(GetAllShare(&all));
-  const HeapList<ShareInfo> owner(FreeShareList, all);
-  ShareCollector shares(record);
-  for (const ShareInfo* share = all; share != nullptr && !shares.full(); share = share->next) {
-    const ShareGroup* group = find_group(share->groups, record.name);
-    if (group != nullptr) {
-      shares.add(share->name, group->rights);
+  const CList<ShareInfo> all(GetAllShare, FreeShareList);
+  STEP(all.result());
+  CStrings shares(FSH_MOST_GROUP_SHARES);
+  for (const ShareInfo& share : all) {
+    const ShareGroup* group = find_group(share.groups, record.name);
+    if (group != nullptr && !shares.full()) {
+      record.rights[shares.count()] = group->rights;
+      shares.add(share.name);
     }
   }
-  shares.hand_over();
+  shares.hand_over(record.count, record.shares);
   return FSH_OK;
 }
 

@@ -29,8 +29,8 @@ std::string export_line(const ShareInfo& share) {
 Result write_exports(const ShareInfo* shares) {
   FileRewrite rewrite(paths::kExports, {.place = TemporaryPlace::kTmp, .reads_source = false});
   STEP(rewrite.open());
-  for (const ShareInfo* share = shares; share != nullptr; share = share->next) {
-    rewrite.write(export_line(*share));
+  for (const ShareInfo& share : Nodes(shares)) {
+    rewrite.write(export_line(share));
   }
   return rewrite.commit({.sync_before = true, .forgives_echild = true, .failure = FSH_FAILED});
 }
@@ -43,12 +43,8 @@ Result update_exports(const ShareInfo* shares) {
 }
 
 Result update_from_registry() {
-  ShareInfo* shares = nullptr;
-  if (GetAllShare(&shares) != FSH_OK || shares == nullptr) {
-    return FSH_FAILED;
-  }
-  const HeapList<ShareInfo> owner(FreeShareList, shares);
-  return update_exports(shares);
+  const CList<ShareInfo> shares(GetAllShare, FreeShareList);
+  return shares.empty() ? FSH_FAILED : update_exports(shares.head());
 }
 
 }  // namespace

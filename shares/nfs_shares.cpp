@@ -4,7 +4,7 @@
 #include <array>
 #include <optional>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -48,7 +48,7 @@ Result read_entries(NfsShare** head) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  HeapList<NfsShare> entries(FreeNFSShList);
+  CList<NfsShare> entries(FreeNFSShList);
   LineReader line(stream.get());
   for (bool more = go_to_entries(line) && line.next(); more && !line.text().starts_with('[');
        more = line.next()) {

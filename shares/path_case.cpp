@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "conf/c_list.h"
 #include "conf/folder.h"
-#include "conf/heap_list.h"
 #include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"

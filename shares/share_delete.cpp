@@ -1,7 +1,7 @@
 // Deleting one share, or all.
 #include <tuple>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -61,30 +61,28 @@ Result delete_share(const char* name) {
 }
 
 Result delete_all_shares(bool remove_folders) {
-  ShareInfo* all = nullptr;
-  STEP(GetAllShare(&all));
-  const HeapList<ShareInfo> owner(FreeShareList, all);
-  for (const ShareInfo* share = all; share != nullptr; share = share->next) {
+  const CList<ShareInfo> shares(GetAllShare, FreeShareList);
+  STEP(shares.result());
+  for (const ShareInfo& share : shares) {
     // Kept: this share ends the run; the ones after it stay too.
-    if (name_on_volume(share->name, *share) == "ADMIN") {
+    if (name_on_volume(share.name, share) == "ADMIN") {
       return FSH_OK;
     }
-    STEP(DelShare(share->name));
+    STEP(DelShare(share.name));
     if (remove_folders) {
       // Kept: the path goes to the shell as it stands: a blank splits it, "/" is the whole volume.
-      std::ignore = run_command("/bin/rm -fr /harddisk/volume_%d/data/%s 2>/dev/null",
-                                share->volume, share->path);
+      std::ignore = run_command("/bin/rm -fr /harddisk/volume_%d/data/%s 2>/dev/null", share.volume,
+                                share.path);
     }
   }
   return FSH_OK;
 }
 
 Result delete_all_sections() {
-  ShareInfo* all = nullptr;
-  STEP(GetAllShare(&all));
-  const HeapList<ShareInfo> owner(FreeShareList, all);
-  for (const ShareInfo* share = all; share != nullptr; share = share->next) {
-    if (PRO_DelSect(share->name, paths::kSmbConf) != 0) {
+  const CList<ShareInfo> shares(GetAllShare, FreeShareList);
+  STEP(shares.result());
+  for (const ShareInfo& share : shares) {
+    if (PRO_DelSect(share.name, paths::kSmbConf) != 0) {
       return FSH_SHARE_NOT_DELETED;
     }
   }

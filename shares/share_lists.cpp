@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t kMostNameCharacters = sizeof(ShareInfo::name) - 1;
 
-using NameList = HeapList<ShareNameItem>;
-using ShareList = HeapList<ShareInfo>;
+using NameList = CList<ShareNameItem>;
+using ShareList = CList<ShareInfo>;
 
 Result list_names(NameList& names) {
   make_removable_registry();
@@ -111,16 +111,8 @@ void FreeShareNameList(ShareNameItem* head) {
 }
 
 unsigned GetNumOfShares(void) {
-  ShareNameItem* names = nullptr;
-  if (GetShareNameList(&names) != FSH_OK) {
-    return FSH_NO_SHARE_LIST;
-  }
-  unsigned count = 0;
-  for (const ShareNameItem* name = names; name != nullptr; name = name->next) {
-    ++count;
-  }
-  FreeShareNameList(names);
-  return count;
+  const CList<ShareNameItem> names(GetShareNameList, FreeShareNameList);
+  return names.result() == FSH_OK ? names.size() : FSH_NO_SHARE_LIST;
 }
 
 unsigned GetAllShare(ShareInfo** head) {

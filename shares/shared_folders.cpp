@@ -1,5 +1,5 @@
 // Finding the share of a folder.
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
@@ -16,14 +16,13 @@ enum class Search { kFound, kNotFound, kFailed };
 // Looks for the first share, in the order of the registry, whose record suits.
 template <class Suits>
 Search find_share(ShareInfo& share, Suits suits) {
-  ShareNameItem* names = nullptr;
-  if (GetShareNameList(&names) != FSH_OK) {
+  const CList<ShareNameItem> names(GetShareNameList, FreeShareNameList);
+  if (names.result() != FSH_OK) {
     return Search::kFailed;
   }
-  const HeapList<ShareNameItem> owner(FreeShareNameList, names);
   const RegistryIndex registry;
-  for (const ShareNameItem* name = names; name != nullptr; name = name->next) {
-    copy_field(share.name, name->name);
+  for (const ShareNameItem& name : names) {
+    copy_field(share.name, name.name);
     if (!registry.fill(share)) {
       return Search::kFailed;
     }

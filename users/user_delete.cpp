@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 
+#include "conf/c_list.h"
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -99,8 +100,8 @@ unsigned DelAllUser(void) {
   if (GetUserNameList(&head) != FSH_OK) {
     return FSH_USER_NOT_DELETED;
   }
-  for (const UserNameItem* user = head; user != nullptr; user = user->next) {
-    if (!is_reserved(user->name) && DelUser(user->name) != FSH_OK) {
+  for (const UserNameItem& user : Nodes(head)) {
+    if (!is_reserved(user.name) && DelUser(user.name) != FSH_OK) {
       // Kept: the list is not freed; a page that gets here ends at once.
       return FSH_USER_NOT_DELETED;  // NOLINT(clang-analyzer-unix.Malloc)
     }

@@ -1,7 +1,7 @@
 #include "users/user_directory.h"
 
+#include "conf/c_list.h"
 #include "conf/member_list.h"
-#include "conf/name_collector.h"
 #include "conf/text.h"
 #include "users/accounts.h"
 #include "users/everyone_list.h"
@@ -71,11 +71,11 @@ Result UserDirectory::fill_groups(GroupUserInfo& user) const {
   if (!groups.complete && groups_result_ != FSH_OK) {
     return groups_result_;
   }
-  NameCollector names;
+  CStrings names(kMostNames);
   for (const std::uint32_t place : groups.names) {
     names.add(group_names_[place]);
   }
-  names.hand_over(user);
+  names.hand_over(user.count, user.list);
   return FSH_OK;
 }
 

@@ -3,7 +3,7 @@
 #include <tuple>
 #include <utility>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -14,7 +14,7 @@
 namespace filesharing {
 namespace {
 
-Result append_user(HeapList<UserItem>& users, const UserDirectory& directory, const char* name) {
+Result append_user(CList<UserItem>& users, const UserDirectory& directory, const char* name) {
   UserInfo user{};
   copy_field(user.name, name);
   STEP(directory.fill_info(user));
@@ -34,13 +34,12 @@ Result read_users(UserItem** head) {
   if (!stream) {
     return FSH_CANNOT_OPEN;
   }
-  UserNameItem* first_name = nullptr;
-  STEP(GetUserNameList(&first_name));
-  HeapList<UserNameItem> names(FreeUserNameList, first_name);
+  const CList<UserNameItem> names(GetUserNameList, FreeUserNameList);
+  STEP(names.result());
   const UserDirectory directory(stream.get());
-  HeapList<UserItem> users(FreeUserList);
-  for (const UserNameItem* name = first_name; name != nullptr; name = name->next) {
-    STEP(append_user(users, directory, name->name));
+  CList<UserItem> users(FreeUserList);
+  for (const UserNameItem& name : names) {
+    STEP(append_user(users, directory, name.name));
   }
   *head = users.release();
   // Kept: the stream stays open until the page ends.

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "conf/heap_list.h"
+#include "conf/c_list.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
@@ -19,7 +19,7 @@ Result read_user_names(UserNameItem** head) {
   if (!accounts) {
     return FSH_CANNOT_OPEN;
   }
-  HeapList<UserNameItem> names(FreeUserNameList);
+  CList<UserNameItem> names(FreeUserNameList);
   for (BlockLineReader line(accounts.get()); line.next();) {
     if (is_blank_line(line.text())) {
       continue;
@@ -46,22 +46,6 @@ Result read_user_names(UserNameItem** head) {
   return FSH_OK;
 }
 
-// The list of names while it is looked at; empty when the users can not be listed.
-class UserNames {
- public:
-  UserNames() : listed_(GetUserNameList(&head_) == FSH_OK) {}
-  UserNames(const UserNames&) = delete;
-  UserNames& operator=(const UserNames&) = delete;
-  ~UserNames() { FreeUserNameList(listed_ ? head_ : nullptr); }
-
-  bool listed() const { return listed_; }
-  const UserNameItem* head() const { return listed_ ? head_ : nullptr; }
-
- private:
-  UserNameItem* head_ = nullptr;
-  bool listed_;
-};
-
 }  // namespace
 }  // namespace filesharing
 
@@ -80,9 +64,8 @@ void FreeUserNameList(UserNameItem* head) {
 }
 
 int UserExist(const char* name) {
-  const UserNames names;
-  for (const UserNameItem* item = names.head(); item != nullptr; item = item->next) {
-    if (name != nullptr && std::strcmp(item->name, name) == 0) {
+  for (const UserNameItem& user : CList<UserNameItem>(GetUserNameList, FreeUserNameList)) {
+    if (name != nullptr && std::strcmp(user.name, name) == 0) {
       return 1;
     }
   }
@@ -90,13 +73,6 @@ int UserExist(const char* name) {
 }
 
 unsigned GetNumOfUsers(void) {
-  const UserNames names;
-  if (!names.listed()) {
-    return FSH_FAILED;
-  }
-  unsigned count = 0;
-  for (const UserNameItem* item = names.head(); item != nullptr; item = item->next) {
-    ++count;
-  }
-  return count;
+  const CList<UserNameItem> names(GetUserNameList, FreeUserNameList);
+  return names.result() == FSH_OK ? names.size() : FSH_FAILED;
 }

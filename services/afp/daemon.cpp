@@ -19,16 +19,14 @@ Result write_configuration(const AfpSettings& settings) {
   return rewrite.commit({.runs = 2, .settle_seconds = 2, .failure = FSH_AFP_NOT_SAVED});
 }
 
-std::optional<Result> restart(const AfpSettings& settings) {
+Result restart(const AfpSettings& settings) {
   std::ignore = run_command("/bin/killall afpd >/dev/null 2>&1");  // it may not be running
   if (settings.enabled != 0) {
-    if (const Result failed = SetAFPDConf(settings)) {
-      return failed;  // Kept: the background process goes on as a second caller, with this code.
-    }
+    STEP(SetAFPDConf(settings));
     std::ignore = run_command("/usr/sbin/afpd >/dev/null 2>&1");
   }
   std::ignore = ResetmDNSConf();  // nobody is left to be told
-  return std::nullopt;
+  return FSH_OK;
 }
 
 Result reset() {
@@ -37,7 +35,8 @@ Result reset() {
     return FSH_AFP_NOT_RESET;
   }
   const Detached options{.sleep_seconds = 5, .caller_resets_child_signal = true};
-  return run_detached(options, [&] { return restart(settings); });
+  // Kept: a background process that fails goes on as a second caller, with the code.
+  return run_detached_until_failure(options, [&] { return restart(settings); });
 }
 
 }  // namespace
