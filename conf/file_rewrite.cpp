@@ -89,6 +89,14 @@ bool FileRewrite::copy(const CopyBack& copy_back) const {
   return done.status == 0 || (copy_back.forgives_echild && done.cause == ECHILD);
 }
 
+Result rewrite_text(const std::string& path, const RewriteOptions& options,
+                    const CopyBack& copy_back, const EditText& edit) {
+  FileRewrite rewrite(path, options);
+  STEP(rewrite.open());
+  rewrite.write(edit(read_rest(rewrite.source())));
+  return rewrite.commit(copy_back);
+}
+
 Result rewrite_lines(
     const std::string& path, const RewriteOptions& options, const CopyBack& copy_back,
     const std::function<Result(std::string_view line, FileRewrite& rewrite)>& edit) {

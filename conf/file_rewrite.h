@@ -78,6 +78,13 @@ class FileRewrite {
   Stream target_;
 };
 
+// What becomes of the content of a file.
+using EditText = std::function<std::string(std::string_view text)>;
+
+// Rewrites a file as a whole: FSH_OK, a code of the options, or the failure of copy_back.
+Result rewrite_text(const std::string& path, const RewriteOptions& options,
+                    const CopyBack& copy_back, const EditText& edit);
+
 // Rewrites a file line by line. edit writes what a line becomes; a result other than FSH_OK ends
 // the rewrite with that code and leaves the file as it was.
 Result rewrite_lines(

@@ -58,10 +58,8 @@ std::string apply_rules(std::string_view text, const std::vector<LineRule>& rule
 Result rewrite_by_rules(const std::string& path, const RewriteOptions& options,
                         const CopyBack& copy_back, const std::vector<LineRule>& rules,
                         std::size_t longest) {
-  FileRewrite rewrite(path, options);
-  STEP(rewrite.open());
-  rewrite.write(apply_rules(read_rest(rewrite.source()), rules, longest));
-  return rewrite.commit(copy_back);
+  return rewrite_text(path, options, copy_back,
+                      [&](std::string_view text) { return apply_rules(text, rules, longest); });
 }
 
 }  // namespace filesharing

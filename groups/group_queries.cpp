@@ -5,6 +5,7 @@
 
 #include "conf/c_list.h"
 #include "conf/line_reader.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -17,8 +18,6 @@
 
 namespace filesharing {
 namespace {
-
-constexpr std::size_t kMostGroupNameCharacters = 20;
 
 // Groups made here, and the two of the system that users may have.
 bool is_listed_gid(std::int32_t gid) {
@@ -39,7 +38,7 @@ Result read_group_names(GroupNameItem** head) {
     if (!group.has_members_field) {
       return FSH_MALFORMED;
     }
-    if (group.name.size() <= kMostGroupNameCharacters && is_listed_gid(*group.gid)) {
+    if (group.name.size() <= kMostNameCharacters && is_listed_gid(*group.gid)) {
       copy_field(names.append().name, group.name);
     }
   }

@@ -5,6 +5,7 @@
 #include "conf/line_reader.h"
 #include "conf/member_list.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
@@ -56,7 +57,7 @@ Result read_into(GroupUserInfo* record, ReadNames read) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   return guarded(FSH_NO_MEMORY, [&] { return read(*record); });
 }
 

@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/settings.h"
@@ -37,18 +38,13 @@ int send_signal(const char* pid_file, int number) {
   return pid < 1 ? pid : kill(pid, number);
 }
 
-bool is_removable(const ShareInfo& share) {
-  const std::string_view name = share.name;
-  return name.starts_with("HDD") || name.starts_with("FLASH");
-}
-
 bool publishes_removable_share(const UPnPAVSettings& settings) {
   for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
     FolderReference reference;
     ShareInfo share{};
     if (settings.folder_used[slot] != 0 &&
         find_folder(std::string(field_text(settings.folder_path[slot])), reference, share) &&
-        is_removable(share)) {
+        is_removable_share(share.name)) {
       return true;
     }
   }

@@ -1,6 +1,7 @@
 // Taking access to shares from groups.
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/temporary_file.h"
@@ -10,7 +11,6 @@
 #include "shares/access_batch.h"
 #include "shares/access_edits.h"
 #include "shares/access_list.h"
-#include "shares/share_names.h"
 
 namespace filesharing {
 namespace {

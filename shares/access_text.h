@@ -6,13 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "conf/names.h"
 #include "filesharing/types.h"
 
 namespace filesharing {
-
-// The groups that may use and administer every share, and the group of all users.
-inline constexpr std::string_view kAdministrators = "administrators";
-inline constexpr std::string_view kEveryone = "everyone";
 
 // `quote` stands before and behind each name; it may be empty.
 std::string access_name(std::string_view group, std::string_view quote = "\"");

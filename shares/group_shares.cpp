@@ -1,10 +1,11 @@
 // Which shares a group is on, and whether everyone is on a volume's public share.
 #include "conf/c_list.h"
+#include "conf/names.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
-#include "shares/share_names.h"
 
 namespace filesharing {
 namespace {
@@ -33,7 +34,7 @@ unsigned GetGroupShareInfo(GroupShareInfo* record) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   record->count = 0;
   record->shares = nullptr;
   return guarded(FSH_NO_MEMORY, [&] { return collect_shares(*record); });

@@ -6,6 +6,7 @@
 
 #include "conf/c_list.h"
 #include "conf/line_reader.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/settings.h"
@@ -17,7 +18,6 @@
 namespace filesharing {
 namespace {
 
-constexpr std::size_t kMostNameCharacters = 20;
 constexpr int kValueLimit = 128;
 constexpr int kMostMaskBits = 32;
 

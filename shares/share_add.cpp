@@ -1,7 +1,9 @@
 // Adding a share: AddShare makes a new one, AddShareWithGroup writes one with its access list.
 #include <tuple>
 
+#include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/shell.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
@@ -9,7 +11,6 @@
 #include "shares/access_list.h"
 #include "shares/registry_value.h"
 #include "shares/share_folder.h"
-#include "shares/share_names.h"
 #include "shares/share_registry.h"
 
 namespace filesharing {
@@ -76,7 +77,7 @@ unsigned AddShare(ShareInfo* record) {
   if (record == nullptr) {
     return FSH_ARGUMENT;
   }
-  terminate_texts(*record);
+  end_texts(*record);
   if (ShareExist(record->name) != 0) {
     return FSH_SHARE_EXISTS;
   }

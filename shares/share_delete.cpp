@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "conf/c_list.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -10,7 +11,6 @@
 #include "filesharing/services.h"
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"
-#include "shares/share_names.h"
 #include "shares/share_registry.h"
 
 namespace filesharing {

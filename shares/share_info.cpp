@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "conf/names.h"
+#include "conf/records.h"
 #include "conf/text.h"
 #include "filesharing/conf.h"
 #include "filesharing/shares.h"
@@ -13,7 +15,6 @@ namespace filesharing {
 namespace {
 
 bool is_registered(std::string_view name) {
-  constexpr std::size_t kMostNameCharacters = sizeof(ShareInfo::name) - 1;
   make_removable_registry();
   for (const char* path : kRegistryFiles) {
     for (RegistryReader line(path); line.next();) {
@@ -105,7 +106,7 @@ unsigned GetShareInfo(ShareInfo* record) {
   if (record == nullptr) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   return guarded(FSH_NO_MEMORY, [&] { return fill_share_info(*record); });
 }
 
@@ -113,7 +114,7 @@ unsigned GetShareGroup(ShareGroupInfo* record) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   record->groups = nullptr;
   return guarded(FSH_NO_MEMORY, [&] { return fill_share_group(*record); });
 }
@@ -122,6 +123,6 @@ unsigned GetShareWithGroup(ShareInfo* record) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   return guarded(FSH_NO_MEMORY, [&] { return fill_share_with_group(*record); });
 }

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "conf/c_list.h"
+#include "conf/names.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
@@ -10,8 +11,6 @@
 
 namespace filesharing {
 namespace {
-
-constexpr std::size_t kMostNameCharacters = sizeof(ShareInfo::name) - 1;
 
 using NameList = CList<ShareNameItem>;
 using ShareList = CList<ShareInfo>;

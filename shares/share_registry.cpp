@@ -6,11 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "conf/names.h"
 #include "conf/text.h"
 #include "conf/whole_value.h"
 #include "platform/profile/profile.h"
 #include "shares/registry_value.h"
-#include "shares/share_names.h"
 
 namespace filesharing {
 const char* registry_file(std::string_view share) {
@@ -74,12 +74,6 @@ void list_on_volume(const ShareInfo& share, std::string_view access_list,
     std::ignore = PRO_SetStr(nullptr, name_on_volume.c_str(), value.c_str(),
                              paths::volume_shares(share.volume).c_str());
   }
-}
-
-void terminate_texts(ShareInfo& record) {
-  record.name[sizeof record.name - 1] = '\0';
-  record.comment[sizeof record.comment - 1] = '\0';
-  record.path[sizeof record.path - 1] = '\0';
 }
 
 ShareInfo written_fields(const ShareInfo& record) {

@@ -64,9 +64,6 @@ Result register_share(const ShareInfo& share, std::string_view access_list);
 void list_on_volume(const ShareInfo& share, std::string_view access_list,
                     const std::string& name_on_volume);
 
-// Ends the texts of a record that its caller may have filled to the last byte.
-void terminate_texts(ShareInfo& record);
-
 // The fields that are written of a record, cut to their ends; without groups and next.
 ShareInfo written_fields(const ShareInfo& record);
 

@@ -1,7 +1,9 @@
 // Updating a share: its comment, folder, volume or name.
 #include <tuple>
 
+#include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
 #include "conf/text.h"
@@ -10,7 +12,6 @@
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
 #include "shares/share_folder.h"
-#include "shares/share_names.h"
 #include "shares/share_registry.h"
 
 namespace filesharing {
@@ -88,7 +89,7 @@ unsigned UpdateShare(const char* old_name, ShareInfo* record) {
   if (missing(old_name) || record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  terminate_texts(*record);
+  end_texts(*record);
   if (ShareExist(old_name) == 0) {
     return FSH_SHARE_UNKNOWN;
   }

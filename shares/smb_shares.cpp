@@ -1,6 +1,7 @@
 // The sections of the shares in Samba's files.
 #include <tuple>
 
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
@@ -8,7 +9,6 @@
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"
 #include "shares/daemon_file.h"
-#include "shares/share_names.h"
 #include "shares/smb_section.h"
 
 namespace filesharing {

@@ -11,7 +11,6 @@
 
 namespace filesharing {
 
-constexpr std::size_t kMostUserNameCharacters = 20;
 constexpr std::int32_t kFirstUserUid = 2000;
 
 // The id in what stands behind the name and its colon; nothing when a colon is missing there: the

@@ -1,5 +1,6 @@
 #include "users/everyone_list.h"
 
+#include "conf/names.h"
 #include "conf/text.h"
 #include "conf/whole_value.h"
 #include "filesharing/users.h"
@@ -16,7 +17,7 @@ bool EveryoneReader::next() {
   if (name_too_long_ || !members_.next()) {
     return false;
   }
-  name_too_long_ = user().name.size() > kMostUserNameCharacters;
+  name_too_long_ = user().name.size() > kMostNameCharacters;
   return !name_too_long_;
 }
 

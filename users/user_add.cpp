@@ -6,6 +6,7 @@
 
 #include "conf/appended_file.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -17,7 +18,6 @@
 #include "users/accounts.h"
 #include "users/smb_account.h"
 #include "users/user_lists.h"
-#include "users/user_record.h"
 
 namespace filesharing {
 namespace {
@@ -71,7 +71,8 @@ unsigned AddUser(const UserInfo* record) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  const UserInfo user = terminated(*record);
+  UserInfo user = *record;
+  end_texts(user);
   if (ItemExist(user.name, paths::kPasswd) != 0) {
     return FSH_USER_EXISTS;
   }

@@ -2,6 +2,7 @@
 #include <pwd.h>
 
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
@@ -42,7 +43,7 @@ unsigned GetUserInfo(UserInfo* record) {
   if (record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  record->name[sizeof record->name - 1] = '\0';
+  end_text(record->name);
   copy_field(record->description, "");
   copy_field(record->password, "");
   record->quota = 0;

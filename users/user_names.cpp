@@ -5,6 +5,7 @@
 
 #include "conf/c_list.h"
 #include "conf/line_reader.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -29,7 +30,7 @@ Result read_user_names(UserNameItem** head) {
     if (!name.found || name.head.find('\0') != std::string_view::npos) {
       return FSH_MALFORMED;
     }
-    if (name.head.size() > kMostUserNameCharacters) {
+    if (name.head.size() > kMostNameCharacters) {
       continue;
     }
     const auto uid = parse_uid(name.tail);

@@ -7,6 +7,7 @@
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/shell.h"
 #include "conf/text.h"
@@ -17,7 +18,6 @@
 #include "users/group_members.h"
 #include "users/smb_account.h"
 #include "users/user_lists.h"
-#include "users/user_record.h"
 #include "users/web_password.h"
 
 namespace filesharing {
@@ -170,6 +170,7 @@ unsigned UpdateUser(const char* old_name, const UserInfo* record) {
   if (old_name == nullptr || record == nullptr || missing(record->name)) {
     return FSH_ARGUMENT;
   }
-  return guarded(FSH_USER_NOT_UPDATED,
-                 [&] { return check_and_update(old_name, terminated(*record)); });
+  UserInfo user = *record;
+  end_texts(user);
+  return guarded(FSH_USER_NOT_UPDATED, [&] { return check_and_update(old_name, user); });
 }

@@ -1,6 +1,6 @@
-// What the name of a share tells about it.
-#ifndef FILESHARING_SHARES_SHARE_NAMES_H
-#define FILESHARING_SHARES_SHARE_NAMES_H
+// What names and paths tell about users, groups and shares.
+#ifndef FILESHARING_CONF_NAMES_H
+#define FILESHARING_CONF_NAMES_H
 
 #include <string>
 #include <string_view>
@@ -8,6 +8,13 @@
 #include "conf/text.h"
 
 namespace filesharing {
+
+// A longer name of a user, group or share is not listed, though its file holds it.
+inline constexpr std::size_t kMostNameCharacters = 20;
+
+// The groups that may use and administer every share, and the group of all users.
+inline constexpr std::string_view kAdministrators = "administrators";
+inline constexpr std::string_view kEveryone = "everyone";
 
 // The share of a USB disk: it comes and goes with the disk, so it is kept in registry and Samba
 // files of its own.
