@@ -83,7 +83,7 @@ class CList {
 
   explicit CList(Free free) : free_(free) {}
 
-  // The list that get makes; empty, with the result, when that fails.
+  // The list that get makes, to be looked at; empty, with the result, when that fails.
   CList(Get get, Free free) : free_(free), result_(get(&head_)) {
     if (result_ != FSH_OK) {
       head_ = nullptr;
@@ -91,7 +91,11 @@ class CList {
   }
 
   // Takes over a finished list.
-  CList(Node* head, Free free) : free_(free), head_(head) {}
+  CList(Node* head, Free free) : free_(free), head_(head) {
+    while (*end_ != nullptr) {
+      end_ = &(*end_)->next;
+    }
+  }
   CList(const CList&) = delete;
   CList& operator=(const CList&) = delete;
   ~CList() { clear(); }

@@ -4,7 +4,7 @@
 #include "filesharing/shares.h"
 #include "fuzz/fuzz_input.h"
 #include "shares/access_list.h"
-#include "shares/registry_value.h"
+#include "shares/share_registry.h"
 
 namespace {
 

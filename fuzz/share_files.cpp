@@ -2,10 +2,9 @@
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "fuzz/fuzz_input.h"
-#include "shares/access_edits.h"
-#include "shares/afp_line.h"
-#include "shares/removable_entries.h"
-#include "shares/smb_section.h"
+#include "shares/afp_file.h"
+#include "shares/removable_shares.h"
+#include "shares/smb_file.h"
 
 namespace {
 

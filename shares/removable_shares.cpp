@@ -1,21 +1,41 @@
-// The shares of USB disks, which come and go with them.
+#include "shares/removable_shares.h"
+
 #include <tuple>
 
 #include "conf/appended_file.h"
 #include "conf/line_reader.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
+#include "conf/text.h"
 #include "filesharing/conf.h"
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"
-#include "shares/removable_entries.h"
+#include "shares/afp_file.h"
+#include "shares/smb_file.h"
 
 namespace filesharing {
 namespace {
 
 constexpr int kFailed = -1;
 constexpr std::size_t kPieceLength = 128;
+
+constexpr int kRemovableVolumes[] = {3, 4};
+
+std::optional<RemovableMount> mount_at(std::string_view found, int volume) {
+  const std::size_t end = found.find_first_of(" \t");
+  if (end == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view folder = found.substr(0, end);
+  return RemovableMount{
+      .folder = folder,
+      .name = folder.substr(folder.rfind('/') + 1),
+      .volume = volume,
+      .writable = found.find("rw,", end) != std::string_view::npos,
+  };
+}
 
 int add_shares(const std::string& disk) {
   const Stream mounts = open_stream(paths::kMounts, "r");
@@ -59,6 +79,28 @@ int delete_shares(const std::string& disk, int volume, int count) {
 }
 
 }  // namespace
+
+std::string removable_disk(std::string_view prefix, std::int64_t index) {
+  return std::string(prefix) + '_' + std::to_string(index + 1);
+}
+
+std::optional<RemovableMount> removable_mount(std::string_view line, const std::string& disk) {
+  for (const int volume : kRemovableVolumes) {
+    const std::size_t at = line.find(paths::volume_data(volume) + '/' + disk);
+    if (at != std::string_view::npos) {
+      return mount_at(line.substr(at), volume);
+    }
+  }
+  return std::nullopt;
+}
+
+std::string removable_registry_line(const RemovableMount& mount) {
+  const int rights = mount.writable ? FSH_READ_WRITE : FSH_READ_ONLY;
+  const std::string name(mount.name);
+  return format("%s=0:%d:For everyone:/%s/:%s:%d,%s:%d\n", name.c_str(), mount.volume, name.c_str(),
+                kAdministrators.data(), rights, kEveryone.data(), rights);
+}
+
 }  // namespace filesharing
 
 using namespace filesharing;

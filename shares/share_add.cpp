@@ -9,7 +9,6 @@
 #include "conf/transaction.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
-#include "shares/registry_value.h"
 #include "shares/share_folder.h"
 #include "shares/share_registry.h"
 
@@ -30,13 +29,6 @@ void translate_path(ShareInfo& share) {
   }
 }
 
-void make_new_folder(int volume, const std::string& escaped_path) {
-  const bool has_slash = escaped_path.starts_with('/');
-  const std::string folder =
-      paths::volume_data(volume) + '/' + escaped_path.substr(has_slash ? 1 : 0);
-  std::ignore = run_command("/bin/mkdir -m 775 -p \"%s\" 2>/dev/null", folder.c_str());
-}
-
 Result write_sections(const ShareInfo& share) {
   STEP(WriteSmbShare(&share));
   return WriteAFPShare(&share);
@@ -53,7 +45,7 @@ Result add_share(ShareInfo& record) {
   STEP(register_share(share, access_list));
   list_on_volume(share, access_list, share.name);
   if (!is_removable_share(share.name)) {
-    STEP(prepare_share_folder(share, make_new_folder));
+    STEP(prepare_share_folder(share, FolderQuotes::kWholePath));
   }
   return write_sections(share);
 }

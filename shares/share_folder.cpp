@@ -29,15 +29,26 @@ void open_folders_to_all(std::string path) {
   }
 }
 
-Result make_open_folder(const ShareInfo& share, MakeFolder make_folder) {
+void make_folder(const std::string& data, std::string_view escaped_path, FolderQuotes quotes) {
+  const std::string path(escaped_path);
+  if (quotes == FolderQuotes::kPathAlone) {
+    std::ignore =
+        run_command("/bin/mkdir -m 775 -p %s\"%s\" 2>/dev/null", data.c_str(), path.c_str());
+    return;
+  }
+  const std::string folder = data + '/' + path.substr(path.starts_with('/') ? 1 : 0);
+  std::ignore = run_command("/bin/mkdir -m 775 -p \"%s\" 2>/dev/null", folder.c_str());
+}
+
+Result make_open_folder(const ShareInfo& share, FolderQuotes quotes) {
   const std::string data = paths::volume_data(share.volume);
   if (!open_folder(data)) {
     return FSH_SHARE_NOT_ADDED;
   }
   const std::string escaped = shell_escaped(share.path);
-  make_folder(share.volume, escaped);
-  std::ignore = run_command("/bin/chown %s.%s /harddisk/volume_%d/data\"%s\" 2>/dev/null", "admin",
-                            "everyone", share.volume, escaped.c_str());
+  make_folder(data, escaped, quotes);
+  std::ignore = run_command("/bin/chown %s.%s %s\"%s\" 2>/dev/null", "admin", "everyone",
+                            data.c_str(), escaped.c_str());
   // Kept: the walk takes the escaped path, so a folder whose name needed a backslash stays closed.
   open_folders_to_all(data + escaped);
   return FSH_OK;
@@ -51,8 +62,8 @@ std::string served_folder(const ShareInfo& share) {
   return folder.ends_with('/') ? folder : folder + '/';
 }
 
-Result prepare_share_folder(const ShareInfo& share, MakeFolder make_folder) {
-  return guarded(FSH_SHARE_NOT_ADDED, [&] { return make_open_folder(share, make_folder); });
+Result prepare_share_folder(const ShareInfo& share, FolderQuotes quotes) {
+  return guarded(FSH_SHARE_NOT_ADDED, [&] { return make_open_folder(share, quotes); });
 }
 
 }  // namespace filesharing

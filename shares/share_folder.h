@@ -12,12 +12,15 @@ namespace filesharing {
 // The folder as the daemons are told it: absolute, with a slash at its end.
 std::string served_folder(const ShareInfo& share);
 
-// Runs the command that makes the folder; the path is ready for between double quotes.
-using MakeFolder = void (*)(int volume, const std::string& escaped_path);
+// Kept: what stands between the double quotes of the command that makes a folder.
+enum class FolderQuotes {
+  kWholePath,  // of a new share; the path has no slash doubled
+  kPathAlone,  // of an updated one: what comes before the share's path is not quoted
+};
 
 // Makes the folder of the share with what leads to it, and opens it to all. What the commands say
 // does not matter. FSH_SHARE_NOT_ADDED: the volume has no data folder, or no memory.
-Result prepare_share_folder(const ShareInfo& share, MakeFolder make_folder);
+Result prepare_share_folder(const ShareInfo& share, FolderQuotes quotes);
 
 }  // namespace filesharing
 

@@ -8,7 +8,6 @@
 #include "conf/text.h"
 #include "filesharing/conf.h"
 #include "filesharing/shares.h"
-#include "shares/registry_value.h"
 #include "shares/share_registry.h"
 
 namespace filesharing {

@@ -1,9 +1,11 @@
-// Listing the shares: their names, or their records with the access lists.
+// Listing the shares, and looking one up: of a folder, of a volume, of a group.
 #include <cstdlib>
 #include <tuple>
 
 #include "conf/c_list.h"
 #include "conf/names.h"
+#include "conf/records.h"
+#include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "shares/access_list.h"
@@ -87,6 +89,85 @@ unsigned list_into(ShareInfo** head, Admits admits) {
   });
 }
 
+// ---- Looking a share up by what it is
+
+constexpr int kFirstVolume = 1;
+constexpr int kLastVolume = 5;
+
+enum class Search { kFound, kNotFound, kFailed };
+
+// Looks for the first share, in the order of the registry, whose record suits.
+template <class Suits>
+Search find_share(ShareInfo& share, Suits suits) {
+  const CList<ShareNameItem> names(GetShareNameList, FreeShareNameList);
+  if (names.result() != FSH_OK) {
+    return Search::kFailed;
+  }
+  const RegistryIndex registry;
+  for (const ShareNameItem& name : names) {
+    copy_field(share.name, name.name);
+    if (!registry.fill(share)) {
+      return Search::kFailed;
+    }
+    if (suits()) {
+      return Search::kFound;
+    }
+  }
+  return Search::kNotFound;
+}
+
+int is_folder_shared(std::string path, int volume) {
+  if (!path.ends_with('/')) {
+    path += '/';
+  }
+  ShareInfo share{};
+  switch (find_share(share, [&] { return share.path == path && share.volume == volume; })) {
+    case Search::kFound:
+      return 1;
+    case Search::kNotFound:
+      return 0;
+    case Search::kFailed:
+      break;
+  }
+  return -1;
+}
+
+bool is_public_path(std::string_view path) {
+  return equals_ignoring_case(path, "/public/") || equals_ignoring_case(path, "/public");
+}
+
+std::string with_escaped_blanks(std::string_view name) {
+  std::string escaped;
+  for (const char c : name) {
+    escaped += c == ' ' ? std::string("%20") : std::string(1, c);
+  }
+  return escaped;
+}
+
+char* public_share(int volume) {
+  ShareInfo share{};
+  if (find_share(share, [&] { return is_public_path(share.path) && share.volume == volume; }) !=
+      Search::kFound) {
+    return nullptr;
+  }
+  return duplicate(with_escaped_blanks(share.name));
+}
+
+Result collect_shares(GroupShareInfo& record) {
+  const CList<ShareInfo> all(GetAllShare, FreeShareList);
+  STEP(all.result());
+  CStrings shares(FSH_MOST_GROUP_SHARES);
+  for (const ShareInfo& share : all) {
+    const ShareGroup* group = find_group(share.groups, record.name);
+    if (group != nullptr && !shares.full()) {
+      record.rights[shares.count()] = group->rights;
+      shares.add(share.name);
+    }
+  }
+  shares.hand_over(record.count, record.shares);
+  return FSH_OK;
+}
+
 }  // namespace
 }  // namespace filesharing
 
@@ -124,4 +205,40 @@ unsigned GetExtShare(ShareInfo** head) {
 
 void FreeShareList(ShareInfo* head) {
   free_list(head, [](ShareInfo& share) { FreeShGrpList(share.groups); });
+}
+
+int dir_shared(const char* path, int volume) {
+  if (missing(path)) {
+    return -1;
+  }
+  return guarded(-1, [&] { return is_folder_shared(path, volume); });
+}
+
+char* GetPublicSh(int volume) {
+  if (volume < kFirstVolume || volume > kLastVolume) {
+    return nullptr;
+  }
+  return guarded<char*>(nullptr, [&] { return public_share(volume); });
+}
+
+unsigned GetGroupShareInfo(GroupShareInfo* record) {
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  end_text(record->name);
+  record->count = 0;
+  record->shares = nullptr;
+  return guarded(FSH_NO_MEMORY, [&] { return collect_shares(*record); });
+}
+
+int EveryoneInDiskSh(int volume) {
+  ShareGroupInfo share{};
+  return guarded(0, [&] {
+    copy_field(share.name, public_share_name(volume));
+    if (GetShareGroup(&share) != FSH_OK) {
+      return 0;
+    }
+    const AccessList owner(share.groups);
+    return find_group(share.groups, "everyone") != nullptr ? 1 : 0;
+  });
 }

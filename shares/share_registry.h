@@ -1,12 +1,14 @@
-// The files of the share registry: the system registry, which is two files, and the list of its own
-// that each volume has.
+// The share registry: the system registry, which is two files, the list of its own that each volume
+// has, and the value behind a share's name: "suffixed:volume:comment:path:groups".
 #ifndef FILESHARING_SHARES_SHARE_REGISTRY_H
 #define FILESHARING_SHARES_SHARE_REGISTRY_H
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "conf/line_reader.h"
 #include "conf/paths.h"
@@ -66,6 +68,50 @@ void list_on_volume(const ShareInfo& share, std::string_view access_list,
 
 // The fields that are written of a record, cut to their ends; without groups and next.
 ShareInfo written_fields(const ShareInfo& record);
+
+struct RegistryValue {
+  std::int32_t suffixed;
+  std::int32_t volume;
+  std::string_view comment;
+  std::string_view path;
+  std::string_view access_list;  // empty without one
+};
+
+// Nothing for a value with less than four fields: every field but the last is ended by a ":" that
+// is not the last character of its line.
+std::optional<RegistryValue> parse_registry_value(std::string_view value);
+
+// Fills the first four fields of the record.
+void fill_share(const RegistryValue& value, ShareInfo& share);
+
+// A value under which a share is registered: the path always ends in "/". `access_list` comes with
+// the ":" before it.
+std::string registry_value(const ShareInfo& share, std::string_view access_list);
+
+// The value as it stands in the volume's own list.
+std::string volume_value(std::string_view registry_value);
+
+// The name of the share as the volume knows it.
+std::string volume_share_name(const ShareInfo& share);
+
+// What GetShareInfo tells, for many shares after one reading of the registry.
+class RegistryIndex {
+ public:
+  RegistryIndex();
+
+  // Fills what GetShareInfo fills for the share of the record's name, which holds no "=". False
+  // when that would fail.
+  bool fill(ShareInfo& share) const;
+
+ private:
+  // By name in small letters. Of lines of one name the first counts, and none behind a section
+  // header.
+  using Values = std::unordered_map<std::string, std::string>;
+
+  static Values read(const char* path);
+
+  std::array<Values, kRegistryFiles.size()> files_;
+};
 
 }  // namespace filesharing
 

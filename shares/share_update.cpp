@@ -52,16 +52,12 @@ Result rename_share(const char* old_name, const ShareInfo& old_share, ShareInfo&
   return FSH_OK;
 }
 
-void make_updated_folder(int volume, const std::string& escaped_path) {
-  std::ignore = run_command("/bin/mkdir -m 775 -p /harddisk/volume_%d/data\"%s\" 2>/dev/null",
-                            volume, escaped_path.c_str());
-}
-
 Result write_share_with(ShareGroup* groups, const ShareInfo& record) {
   ShareInfo share = written_fields(record);
   share.groups = groups;
   STEP(AddShareWithGroup(&share));
-  return is_removable_share(share.name) ? FSH_OK : prepare_share_folder(share, make_updated_folder);
+  return is_removable_share(share.name) ? FSH_OK
+                                        : prepare_share_folder(share, FolderQuotes::kPathAlone);
 }
 
 Result update_share(const char* old_name, ShareInfo& record) {

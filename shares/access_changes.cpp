@@ -1,4 +1,4 @@
-// Taking access to shares from groups.
+// Giving groups access to shares, and taking it from them.
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
 #include "conf/names.h"
@@ -6,14 +6,72 @@
 #include "conf/shell.h"
 #include "conf/temporary_file.h"
 #include "conf/text.h"
+#include "conf/transaction.h"
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"
-#include "shares/access_batch.h"
-#include "shares/access_edits.h"
 #include "shares/access_list.h"
+#include "shares/afp_file.h"
+#include "shares/share_registry.h"
+#include "shares/smb_file.h"
 
 namespace filesharing {
 namespace {
+
+// The groups or shares of a batch, as the caller gave them.
+struct Batch {
+  const char* const* names;
+  int count;
+
+  bool empty() const { return names == nullptr || count <= 0; }
+};
+
+// Runs change(name) for each in order; the first failure undoes the whole batch. A name takes at
+// most `adds` bytes in a file.
+template <class Change>
+Result change_access(const Batch& batch, Result busy, Result no_room, std::uint64_t adds,
+                     Change change) {
+  const TransactionOptions options{.mask = kShareFiles,
+                                   .busy = busy,
+                                   .no_room = no_room,
+                                   .adds = adds * static_cast<std::uint64_t>(batch.count),
+                                   .repeats = batch.count > 1,
+                                   .registers = true,
+                                   .mirrors = false};
+  return transact(options, [&] {
+    Result result = FSH_OK;
+    for (int i = 0; i < batch.count && result == FSH_OK; ++i) {
+      result = change(batch.names[i]);
+    }
+    return result;
+  });
+}
+
+// ---- Giving access
+
+// A group's name twice in an SMB section, with its quotes.
+constexpr std::uint64_t kMostEntryBytes = 64;
+
+Result grant(const char* group, const char* share_name, int read_only) {
+  ShareGroup added{};
+  copy_field(added.name, group);
+  added.rights = read_only != 0 ? FSH_READ_ONLY : FSH_READ_WRITE;
+
+  ShareGroupInfo access{};
+  copy_field(access.name, share_name);
+  STEP(GetShareGroup(&access));
+  AccessList groups(access.groups);
+  if (find_group(groups.head(), group) != nullptr) {
+    return FSH_ACCESS_EXISTS;
+  }
+  groups.append() = added;
+  ShareInfo share{};
+  copy_field(share.name, share_name);
+  STEP(GetShareInfo(&share));
+  share.groups = groups.head();
+  return AddShareWithGroup(&share);
+}
+
+// ---- Taking access
 
 // Passes a value through a temporary file, of which it comes back as its first line.
 Result pass_through_file(std::string& value) {
@@ -102,6 +160,37 @@ Result revoke(const char* group, const char* name) {
 }  // namespace filesharing
 
 using namespace filesharing;
+
+unsigned AddGroupToShare(const char* group, const char* share, int read_only) {
+  if (missing(group) || missing(share)) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return guarded(FSH_NO_MEMORY, [&] { return grant(group, share, read_only); });
+}
+
+unsigned AddGroupsToShare(const char* share, const char* const* groups, int count, int read_only) {
+  const Batch batch{groups, count};
+  if (missing(share) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  if (ShareExist(share) == 0) {
+    return FSH_SHARE_UNKNOWN;
+  }
+  return change_access(batch, FSH_ADD_ACCESS_BUSY, FSH_SMB_SHARES_NOT_WRITTEN, kMostEntryBytes,
+                       [&](const char* group) { return AddGroupToShare(group, share, read_only); });
+}
+
+unsigned AddGroupToShares(const char* group, const char* const* shares, int count, int read_only) {
+  const Batch batch{shares, count};
+  if (missing(group) || batch.empty()) {
+    return FSH_ARGUMENT;
+  }
+  return change_access(batch, FSH_ADD_ACCESS_BUSY, FSH_SMB_SHARES_NOT_WRITTEN, kMostEntryBytes,
+                       [&](const char* share) { return AddGroupToShare(group, share, read_only); });
+}
 
 unsigned DelGroupFromShare(const char* group, const char* share) {
   if (missing(group) || missing(share)) {

@@ -1,6 +1,6 @@
-// What the shares of a USB disk look like in the files that list them. Nothing here touches a file.
-#ifndef FILESHARING_SHARES_REMOVABLE_ENTRIES_H
-#define FILESHARING_SHARES_REMOVABLE_ENTRIES_H
+// The shares of USB disks: a mounted partition is a share, named for its mount point.
+#ifndef FILESHARING_SHARES_REMOVABLE_SHARES_H
+#define FILESHARING_SHARES_REMOVABLE_SHARES_H
 
 #include <cstdint>
 #include <optional>
@@ -12,7 +12,7 @@ namespace filesharing {
 // Name of the disk, as in the mount points of its partitions: prefix and number, counted from 1.
 std::string removable_disk(std::string_view prefix, std::int64_t index);
 
-// A mounted partition of a disk, which is a share.
+// A mounted partition of a disk.
 struct RemovableMount {
   std::string_view folder;  // the mount point
   std::string_view name;    // its last component
@@ -23,11 +23,8 @@ struct RemovableMount {
 // The partition of `disk` that a line of /proc/mounts, or a piece of one, tells of.
 std::optional<RemovableMount> removable_mount(std::string_view line, const std::string& disk);
 
-// Its entries in /etc/win_share.info, user_smb.conf and AppleVolumes.conf. All users may read, and
-// write where the mount allows it.
+// Its line in /etc/win_share.info. All users may read, and write where the mount allows it.
 std::string removable_registry_line(const RemovableMount& mount);
-std::string removable_smb_section(const RemovableMount& mount);
-std::string removable_afp_line(const RemovableMount& mount);
 
 }  // namespace filesharing
 
