@@ -101,20 +101,21 @@ bool has_room(const ChangeSize& change) {
   return room.is_there();
 }
 
-bool take_copies(int mask) {
+Copies take_copies(int mask) {
   std::ignore = BackupConFiles(mask);  // what came of it is looked at
+  Copies copies{.whole = mask, .room = true};
   const std::string folder = account_folder();
-  bool room = true;
   for (const GuardedFile& file : kGuardedFiles) {
     const std::string path = file.path(folder);
     const std::string copy = file.copy(folder);
     if (folder.empty() || !file.is_in(mask) || is_whole(path, copy)) {
       continue;
     }
-    std::ignore = unlink(copy.c_str());
-    room = room && has_room_for_copy(path, copy);
+    std::ignore = unlink(copy.c_str());  // one that stays is not used either
+    copies.whole &= ~static_cast<int>(file.bit);
+    copies.room = copies.room && has_room_for_copy(path, copy);
   }
-  return room;
+  return copies;
 }
 
 void restore_copies(int mask) {

@@ -19,9 +19,14 @@ struct ChangeSize {
 // Whether there is room for all that the change will write, its copies included.
 bool has_room(const ChangeSize& change);
 
-// Takes the copies. One that did not become whole is removed, so that nothing is ever restored from
-// it. False when that was for want of room.
-[[nodiscard]] bool take_copies(int mask);
+// Copies of the files of a mask.
+struct Copies {
+  int whole;  // the files that can be restored from theirs
+  bool room;  // false: one is not whole for want of room
+};
+
+// Takes the copies. One that did not become whole is removed.
+Copies take_copies(int mask);
 
 // Puts the files back from their copies. A file without one stays as it is.
 void restore_copies(int mask);

@@ -19,15 +19,19 @@ Result Transaction::begin() {
 }
 
 // A server without a configuration volume has nothing to back up, and is changed all the same.
-Result Transaction::prepare() const {
+Result Transaction::prepare() {
   const bool room = has_room({.mask = options_.mask | options_.unguarded,
                               .copied = options_.backs_up ? options_.mask : 0,
                               .appended = options_.appends,
                               .added = options_.adds,
                               .repeats = options_.repeats,
                               .registers = options_.registers});
-  const bool ready = room && (!options_.backs_up || take_copies(options_.mask));
-  return ready ? FSH_OK : options_.no_room;
+  if (room && options_.backs_up) {
+    const Copies copies = take_copies(options_.mask);
+    restorable_ = copies.whole;
+    return copies.room ? FSH_OK : options_.no_room;
+  }
+  return room ? FSH_OK : options_.no_room;
 }
 
 Result Transaction::end(Result result) {
@@ -39,7 +43,7 @@ Result Transaction::end(Result result) {
   }
   if (result != FSH_OK && on_failure == OnFailure::kRestore) {
     std::ignore = guarded(FSH_NO_MEMORY, [&] {
-      restore_copies(options_.mask);
+      restore_copies(restorable_);
       return FSH_OK;  // the change's own code is its result
     });
   }

@@ -35,7 +35,8 @@ struct TransactionOptions {
 
 class Transaction {
  public:
-  explicit Transaction(const TransactionOptions& options) : options_(options) {}
+  explicit Transaction(const TransactionOptions& options)
+      : options_(options), restorable_(options.mask) {}
 
   // Takes the locks and the backup: FSH_OK; busy; or no_room or out_of_memory, without locks.
   Result begin();
@@ -47,9 +48,10 @@ class Transaction {
   OnFailure on_failure = OnFailure::kRestore;
 
  private:
-  Result prepare() const;
+  Result prepare();
 
   TransactionOptions options_;
+  int restorable_;  // files of the mask whose copies are whole
 };
 
 // Runs change(), or change(transaction), which returns FSH_OK or a code, as one transaction.

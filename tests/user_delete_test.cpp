@@ -1,4 +1,6 @@
 // Deleting users.
+#include <sys/mount.h>
+
 #include <csignal>
 
 #include "tests/account_test.h"
@@ -63,6 +65,20 @@ TEST_F(DeleteUserTest, AllButTheBuiltInOnesGo) {
   EXPECT_EQ(GetNumOfUsers(), 2u);
   write("/etc/passwd", "bob\n");
   EXPECT_EQ(DelAllUser(), 28u);
+}
+
+TEST_F(DeleteUserTest, FileWithoutAWholeCopyStaysAsItIsWhenALaterStepFails) {
+  const std::string copy = "/harddisk/volume_1/conf/passwd.ttt", group = read("/etc/group");
+  write(copy, "root:old:0:0:::\n");
+  ASSERT_EQ(mount(copy.c_str(), copy.c_str(), nullptr, MS_BIND, nullptr), 0);
+  ASSERT_EQ(mount(nullptr, copy.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+  const Strings lines = restore_of({"group", "usrgrp.info", "smbpasswd", ".htpasswd"});
+  fail_command("cp", 16);
+  EXPECT_EQ(DelUser("bob"), 28u);
+  EXPECT_EQ(last_of(commands(), lines.size()), lines);
+  EXPECT_EQ(read("/etc/passwd").find("bob:"), std::string::npos);
+  EXPECT_TRUE(read("/etc/passwd").starts_with("root:x:0:0:"));
+  EXPECT_EQ(read("/etc/group"), group);
 }
 
 }  // namespace
