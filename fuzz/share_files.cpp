@@ -2,6 +2,7 @@
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "fuzz/fuzz_input.h"
+#include "platform/samba/global_section.h"
 #include "shares/afp_file.h"
 #include "shares/removable_shares.h"
 #include "shares/smb_file.h"
@@ -17,6 +18,13 @@ void write_entries(const ShareInfo& share, const std::string& text) {
   fuzz::require(with_section.find(body) != std::string::npos);
   const std::string line = afp_line(share, true);
   fuzz::require(with_afp_line(text, name, line).find(line) != std::string::npos);
+}
+
+void set_global_keys(const std::string& value, const std::string& text) {
+  const samba::GlobalKey keys[] = {{"comment", "", value, ""},
+                                   {"vfs object", "vfs objects", std::nullopt, ""}};
+  const std::string changed = samba::with_global_keys(text, keys);
+  fuzz::require(samba::with_global_keys(changed, keys) == changed);
 }
 
 void change_access(const ShareInfo& share, const std::string& text) {
@@ -51,6 +59,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   share.groups = GetShGroup(input.take_line().c_str());
   const std::string text = input.rest();
   write_entries(share, text);
+  set_global_keys(share.name, text);
   change_access(share, text);
   if (share.path[0] != '\0') remove_lines(share.path, text);
   read_mounts(share.name, text);

@@ -30,12 +30,15 @@ PLATFORM_LAYOUT(sizeof(SambaServerParams) == 197);
 
 /* Switches Samba. "enable" writes the fields into the section "global" of /etc/samba/smb.conf as
  * the keys of smb.conf(5) ("server string", "workgroup", "dos charset", "printer name", "comment",
- * "wins server"), leaves every other line alone, ends smbd and nmbd where they run and starts them
- * anew. A code page that iconv(3) does not know becomes Samba's default. "disable" ends them and
- * leaves the file alone. A daemon that has not ended after ten seconds is killed. Returns 0; -1
- * when `params` is null, its state is neither text, the file can not be replaced (nothing is then
- * ended or started) or a daemon does not start.
- */
+ * "wins server"), ends smbd and nmbd where they run and starts them anew. What it writes is in
+ * force then, unless an included file says otherwise: lines with other spellings of these keys and
+ * of the three that callers set with PRO_SetStr ("vfs object", "username map", "load printers"),
+ * and repeated ones, go from all sections "global". The keys stand in the first of these, before
+ * what it includes; it is made at the head of the file when a share stands there. Every other line
+ * stays. A code page that iconv(3) does not know becomes Samba's default. "disable" ends the
+ * daemons and leaves the file alone. A daemon that has not ended after ten seconds is killed.
+ * Returns 0; -1 when `params` is null, its state is neither text, a field holds a line feed, the
+ * file can not be replaced (nothing is then ended or started) or a daemon does not start. */
 PLATFORM_API int SMBSetSamba(const SambaServerParams* params);
 
 /* Returns where the character with the code point `character` first stands in UTF-8 text, 0 finding

@@ -2,13 +2,15 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 
-#include "platform/profile/profile.h"
+#include "platform/profile/whole_file.h"
+#include "platform/samba/global_section.h"
 #include "platform/samba/samba.h"
 #include "platform/utility/utility.h"
 
@@ -42,14 +44,6 @@ std::string text_of(const char (&field)[Size]) {
   return {field, strnlen(field, Size)};
 }
 
-// A field's text as a value of smb.conf(5), where a backslash at the end would make the next line
-// part of this one.
-template <size_t Size>
-std::string value_of(const char (&field)[Size]) {
-  const std::string text = text_of(field);
-  return text.substr(0, text.find_last_not_of("\\ \t") + 1);
-}
-
 // The iconv(3) name of a code page, as Samba asks for it. With one that is unknown here (65001, for
 // one: clients that need this setting know no Unicode) Samba would take its default: write that.
 std::string charset_of(const std::string& code_page) {
@@ -62,19 +56,25 @@ std::string charset_of(const std::string& code_page) {
   return name;
 }
 
+// "vfs object", "username map" and "load printers" are set by callers, by PRO_SetStr.
 bool write_settings(const SambaServerParams& params) {
-  const std::string server = value_of(params.server_comment);
-  const std::string workgroup = value_of(params.workgroup);
-  const std::string charset = charset_of(text_of(params.code_page));
-  const std::string printer = value_of(params.printer_name);
-  const std::string printer_comment = value_of(params.printer_comment);
-  const std::string wins_server = value_of(params.wins_server);
-  const ProfileItem items[] = {
-      {"server string", server.c_str(), 0},    {"workgroup", workgroup.c_str(), 0},
-      {"dos charset", charset.c_str(), 0},     {"printer name", printer.c_str(), 0},
-      {"comment", printer_comment.c_str(), 0}, {"wins server", wins_server.c_str(), 0},
+  const samba::GlobalKey keys[] = {
+      {"server string", "", text_of(params.server_comment), ""},
+      {"workgroup", "", text_of(params.workgroup), ""},
+      {"dos charset", "", charset_of(text_of(params.code_page)), ""},
+      {"printer name", "printer", text_of(params.printer_name), ""},
+      {"comment", "", text_of(params.printer_comment), ""},
+      {"wins server", "", text_of(params.wins_server), ""},
+      {"vfs object", "vfs objects", std::nullopt, ""},
+      {"username map", "", std::nullopt, ""},
+      {"load printers", "", std::nullopt, "yes"},
   };
-  return PRO_SetMultiItemStr("global", items, std::size(items), kConfiguration) == 0;
+  for (const auto& key : keys) {
+    if (key.value && key.value->find('\n') != std::string::npos) return false;
+  }
+  std::optional<std::string> text = profile::read_whole_file(kConfiguration);
+  if (!text && errno == ENOENT) text.emplace();
+  return text && profile::replace_whole_file(kConfiguration, samba::with_global_keys(*text, keys));
 }
 
 // A daemon that is told to end still holds its sockets and pid file for a moment, and a new one
