@@ -106,7 +106,9 @@ FSH_API unsigned RenameSect(const char* old_section, const char* new_section, co
  * or a mirrored file that lacks the room to grow is not copied over, and what a copy that was cut
  * short has left is made the old content again. */
 
-/* What a lock guards, and which file a backup copies. Masks are sums of these. */
+/* What a lock guards, and which file a backup copies. Masks are sums of these. Backups are of the
+ * files in the conf folder of the configuration volume: of the shares they hold that volume's own
+ * list, never /etc/share.info, which no restore brings back. */
 enum FshFile {
   FSH_FILE_PASSWORD = 1, /* /etc/passwd                  lock /tmp/pass.lck */
   FSH_FILE_GROUP = 2,    /* /etc/group                   lock /tmp/grp.lck */

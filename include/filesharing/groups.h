@@ -2,7 +2,8 @@
  *
  * A group is a line of /etc/group, group(5), and a line of /etc/usrgrp.info: the group's name, "=",
  * and its members with their quotas, "name:quota" joined by ",". Groups made here have gids from
- * 2000 up. The conventions of types.h apply.
+ * 2000 up. The conventions of types.h apply. While SIGCHLD is ignored every change fails: a
+ * function that changes one file has done so then, the others are undone.
  */
 #ifndef FILESHARING_GROUPS_H
 #define FILESHARING_GROUPS_H
@@ -21,7 +22,10 @@ FSH_BEGIN_DECLS
 FSH_API unsigned AddGroup(const char* name);
 
 /* Deletes a group from both files and from the access lists of all shares. Takes no lock for the
- * group files; the files of mask 26 are restored after a failure.
+ * group files; the files of mask 26 are restored after a failure. /etc/share.info is not: there the
+ * shares up to the failure have lost the group, so that a repeated call passes them over and gives
+ * 0, while their sections in smb.conf let it in, and a later group of its name. AddShareWithGroup
+ * writes them anew.
  * 0; FSH_ARGUMENT (20): the name is missing; FSH_GROUP_RESERVED (42): "everyone" and
  * "administrators" stay; the results of SysActGroup, DelKeyFromConf, GetGroupShareInfo and
  * DelGroupFromShares. A group that a file does not know counts as deleted from it. */
@@ -34,13 +38,14 @@ FSH_API unsigned DelGroup(const char* name);
 FSH_API unsigned DelAllGroup(void);
 
 /* Renames a group in both files and in the access lists of all shares; gid and members stay. Locks
- * of mask 10; both files are restored after a failure.
+ * of mask 10, which it holds for four seconds a share; both files are restored after a failure. The
+ * shares up to the failure keep the new name, and the group is shut out of them.
  * 0; FSH_ARGUMENT (20): a name is missing; FSH_GROUP_NOT_RENAMED (39): the new name is another
- * group's in any letter case, a lock is taken, or the old name has no line in /etc/usrgrp.info;
- * FSH_NO_MEMORY (23); the results of SysRenGroupName, DelKeyFromConf, GetGroupShareInfo,
- * GetShareWithGroup and AddShareWithGroup; FSH_FAILED (-1): /etc/usrgrp.info could not be written;
- * FSH_CANNOT_OPEN (21), when it is for /etc/usrgrp.info: nothing is restored then, and the locks
- * stay taken. */
+ * group's in any letter case, or this one's in another letter case, a lock is taken, or the old
+ * name has no line in /etc/usrgrp.info; FSH_NO_MEMORY (23); the results of SysRenGroupName,
+ * DelKeyFromConf, GetGroupShareInfo, GetShareWithGroup and AddShareWithGroup; FSH_FAILED (-1):
+ * /etc/usrgrp.info could not be written; FSH_CANNOT_OPEN (21), when it is for /etc/usrgrp.info:
+ * nothing is restored then, and the locks stay taken. */
 FSH_API unsigned RenameGroup(const char* old_name, const char* new_name);
 
 /* ---- Groups: one file at a time, for callers that hold its lock ----------------------------- */
@@ -128,8 +133,9 @@ FSH_API unsigned AddUsersToSysGroup(const char* group, const char* const* users,
 /* Add users to a group, and a user to groups, in both files, each with its quota as GetUserInfo
  * tells it. Locks of mask 10; both files are restored after a failure.
  * 0; FSH_ADD_MEMBER_BUSY (31): a lock is taken; FSH_MEMBER_EXISTS (54): one of the users is a
- * member already, nothing has been changed; FSH_MEMBER_NOT_ADDED (34): any other failure.
- * AddUsersToGroup calls AddUsersToSysGroup: one call per process. */
+ * member already, nothing has been changed; FSH_MEMBER_NOT_ADDED (34): any other failure. A member
+ * behind the first 255 gets a second entry: see UserInGroup. AddUsersToGroup calls
+ * AddUsersToSysGroup: one call per process. */
 FSH_API unsigned AddUsersToGroup(const char* group, const char* const* users, int count);
 FSH_API unsigned AddUserToGroups(const char* user, const char* const* groups, int count);
 
@@ -156,7 +162,7 @@ FSH_API unsigned GetUserGroupInfo(GroupUserInfo* record);
 FSH_API void FreeGroupUserInfo(GroupUserInfo* record);
 FSH_API void FreeUserGroupInfo(GroupUserInfo* record);
 
-/* 1 when user is a member of group, in this letter case; else 0. */
+/* 1 when user is among the first 255 members of group, in this letter case; else 0. */
 FSH_API int UserInGroup(const char* user, const char* group);
 
 FSH_END_DECLS

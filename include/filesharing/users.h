@@ -20,8 +20,8 @@
 
 FSH_BEGIN_DECLS
 
-/* What GetUserInfo gives as the password of a user who has one: the password itself is not known.
- * In UpdateUser it stands for "unchanged". */
+/* What GetUserInfo gives as the password of a user on the "everyone" line, who may have none: the
+ * password itself is not known. In UpdateUser it stands for "unchanged". */
 #define FSH_PASSWORD_PLACEHOLDER "Qx7Rm2Lp9Tb4Vk"
 
 /* ---- Queries; they take no lock ------------------------------------------------------------- */
@@ -50,13 +50,18 @@ FSH_API int UserExist(const char* name);
 FSH_API unsigned GetNumOfUsers(void);
 
 /* Fills record from record->name: description and uid from /etc/passwd, the quota from the
- * "everyone" line. The password becomes FSH_PASSWORD_PLACEHOLDER for a user of that line and stays
- * empty for one of /etc/passwd alone, whose quota is 0. 0; FSH_ARGUMENT (20): the record or its
- * name is missing; FSH_CANNOT_OPEN (21): /etc/usrgrp.info; FSH_NO_MEMORY (23); FSH_USER_UNKNOWN
- * (33): not found, or an entry before it is malformed. */
+ * "everyone" line. The password becomes FSH_PASSWORD_PLACEHOLDER for a user of that line, with or
+ * without a password, and stays empty for one of /etc/passwd alone, whose quota is 0. UpdateUser
+ * takes an empty password for none: given such a record as it is, it takes the user's password
+ * away; the placeholder has to be put in first.
+ * 0; FSH_ARGUMENT (20): the record or its name is missing; FSH_CANNOT_OPEN (21): /etc/usrgrp.info;
+ * FSH_NO_MEMORY (23); FSH_USER_UNKNOWN (33): not found, or an entry before it is malformed; for
+ * every name when the line is missing or empty. */
 FSH_API unsigned GetUserInfo(UserInfo* record);
 
-/* 1 when this is the user's password; else 0. The first 15 characters count. */
+/* 1 when this is the user's password; else 0. The first 15 characters count where field 6 holds a
+ * hash, else only the first 8 do: what is typed behind a password of 8 characters makes no
+ * difference. */
 FSH_API int IsUserPassCorrect(const char* name, const char* password);
 
 /* ---- Changes -------------------------------------------------------------------------------- */
@@ -65,16 +70,17 @@ FSH_API int IsUserPassCorrect(const char* name, const char* password);
  * the files that they lock, and on the first step that fails restore these and return its code; on
  * success the account files are mirrored to the second disk. What the outside tools have changed
  * elsewhere is not undone. When a lock is taken they fail at once, and the locks taken before it
- * stay. All set SIGCHLD to its default action.
+ * stay. All set SIGCHLD to its default action. AddUser and UpdateUser wait a second.
  *
  * Where a result is "the status of smbpasswd" it is what system(3) gives: 256 times the exit code
  * of the tool. */
 
 /* Adds a user: record->name, description, password (plain; empty for none) and quota count. The uid
  * is the lowest free one from 2000 up. The user joins the group "everyone", also in the list of
- * /etc/usrgrp.info if there is one. With a password the name is not escaped for the shell: callers
- * refuse dollars, quotes and backslashes. Locks: password, group, user, SMB password. Rewinds
- * getpwent(3).
+ * /etc/usrgrp.info if there is one. One call per process: of further new users AddUsersToSysGroup
+ * puts none into /etc/group, and nothing tells. With a password the name is not escaped for the
+ * shell: callers refuse double quotes, dollars, backslashes and back quotes. Locks: password,
+ * group, user, SMB password. Rewinds getpwent(3).
  * 0; FSH_ARGUMENT (20): the record or its name is missing; FSH_USER_EXISTS (26): /etc/passwd has
  * the name, in any letter case; FSH_USER_NOT_ADDED (34): a lock is taken or usrgrp.info was not
  * written; FSH_CANNOT_OPEN (21); FSH_NO_TEMPORARY (22); FSH_MALFORMED (24): an entry of "everyone";
@@ -95,6 +101,7 @@ FSH_API unsigned UpdateUser(const char* old_name, const UserInfo* record);
 
 /* Limits what the user can store on each data disk, in megabytes; 0 lifts the limit. Takes no lock,
  * and always goes through the file /tmp/edquota.tmp, which stays: callers hold a lock themselves.
+ * Sets SIGCHLD to its default action.
  * 0, also on a server without a data disk; FSH_ARGUMENT (20): name is missing; FSH_CANNOT_OPEN
  * (21): the file can not be made; FSH_QUOTA_FAILED (32): the quota tool failed. */
 FSH_API unsigned SetUserQuota(const char* name, uint32_t megabytes);
@@ -103,7 +110,7 @@ FSH_API unsigned SetUserQuota(const char* name, uint32_t megabytes);
  * quotas and the user's files stay. Ends the user's SMB connections. Locks as UpdateUser.
  * 0, also for a name that nobody has; FSH_ARGUMENT (20): name is missing or empty;
  * FSH_USER_RESERVED (27): "guest" and "admin" stay; FSH_USER_NOT_DELETED (28): a lock is taken or
- * any step failed. */
+ * any step failed, as it does on a server without a web password file. */
 FSH_API unsigned DelUser(const char* name);
 
 /* Deletes the listed users but "guest" and "admin", one after the other, until one can not be.
