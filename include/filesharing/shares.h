@@ -11,16 +11,23 @@ FSH_BEGIN_DECLS
 /* ---- Registry ------------------------------------------------------------------------------- */
 
 /* A share is a line of /etc/share.info, or of /etc/win_share.info when it is a removable share: its
- * name begins with "FLASH" or "HDD". The line is
+ * name begins with "FLASH" or "HDD", wherever its folder is. The line is
  *
  *     NAME=SUFFIXED:VOLUME:COMMENT:PATH:GROUP:RIGHTS,GROUP:RIGHTS...
  *
  * with the fields of ShareInfo; the access list and the ":" before it may be missing. PATH is
- * written with a "/" at its end. The volume of a share that is not removable has a line of its own
- * for it in /harddisk/volume_N/conf/share.info, without the first four characters of the value
- * ("0:1:"; volumes have one digit). There the suffix of the name, "~" and what follows, is missing,
- * and so is, from a public share's "DISK 1", the last blank and what follows. No name or comment
- * may hold a ":", "=" or line feed: nothing here looks.
+ * written with a "/" at its end: one of 257 characters without it is cut when it is read, so that
+ * the folder can be shared again, and DelShare leaves its AFP line. No name or comment may hold a
+ * ":", "=" or line feed: nothing here looks.
+ *
+ * The volume of a share that is not removable has a line of its own for it in
+ * /harddisk/volume_N/conf/share.info, without the first four characters of the value ("0:1:";
+ * volumes have one digit). The name in it depends on the operation. AddShare, a renaming and a
+ * change of volume take the whole one. AddShareWithGroup, and what writes a share by it, cuts one
+ * with the suffixed mark at its last "~", and that of the folder "/" or "/public" with a 1 or 2 in
+ * it at its last blank ("DISK 1"). DelShare cuts two characters off with the mark and nothing else.
+ * DelGroupFromShare takes "DISK" for every name that begins so, and else the whole one. Lines under
+ * another name stay.
  *
  * Who reads the registry makes /etc/win_share.info, empty and with mode 0644, when there is none,
  * and takes no lock. One of the two files may be missing. Who changes it holds the locks of
@@ -39,8 +46,9 @@ FSH_BEGIN_DECLS
  * FSH_SHARE_NOT_ADDED (50): a lock is taken, the volume has no data folder, no memory;
  * FSH_FOLDER_SHARED (56): dir_shared said so or failed; FSH_NO_TEMPORARY (22), FSH_CANNOT_OPEN
  * (21), FSH_SMB_SHARES_NOT_WRITTEN (45), FSH_AFP_SHARES_NOT_WRITTEN (19) as SetSmbShare and
- * SetAFPShare; FSH_FAILED (-1): its line in the registry can not be written, and the share has no
- * folder and no sections then. Whether its line on the volume can is not told. */
+ * SetAFPShare; FSH_FAILED (-1): its line in the registry can not be written, as for an empty name,
+ * and the share has no folder and no sections then. Whether its line on the volume can is not told.
+ */
 FSH_API unsigned AddShare(ShareInfo* record);
 
 /* Writes a share with the access list in record->groups: its line, the line on its volume, its SMB
@@ -59,11 +67,12 @@ FSH_API unsigned AddShareWithGroup(ShareInfo* record);
  * case, or a lock is; FSH_SHARE_UNREGISTERED (47) or FSH_MALFORMED (24): old_name is not found in
  * this letter case, or its line can not be parsed; FSH_SHARE_NOT_ADDED (50): the volume has no data
  * folder, or no memory; FSH_FAILED (-1) or FSH_COPY_BACK_FAILED (-4): a name could not be changed
- * or deleted in a file; 23, 22, 21, 45 and 19 as AddShareWithGroup. */
+ * or deleted in a file; FSH_CANNOT_OPEN (21): the volume that the share leaves has no list; 23, 22,
+ * 21, 45 and 19 as AddShareWithGroup. */
 FSH_API unsigned UpdateShare(const char* old_name, ShareInfo* record);
 
 /* Deletes a share; its folder stays. When it was the Time Machine share, mDNS stops telling of it.
- * Takes the locks and a backup. Waits two seconds.
+ * Takes the locks and a backup. Waits two seconds. Leaves a stream open until the process ends.
  * 0; FSH_ARGUMENT (20): name is missing or empty; FSH_SHARE_UNKNOWN (49); FSH_SHARE_NOT_DELETED
  * (44): a lock is taken; FSH_MALFORMED (24): its line can not be parsed; FSH_CANNOT_OPEN (21): a
  * file, such as the list of its volume; FSH_NO_TEMPORARY (22); FSH_NO_MEMORY (23);
@@ -143,6 +152,13 @@ FSH_API ShareGroup* GetShGroup(const char* access_list);
  * groups that may write and "allow:" with those that may enter. "administrators" stands first in
  * each of these lists and is not repeated from the access list.
  *
+ * A removable share has its section in /etc/samba/user_smb.conf, but whatever writes a share whole
+ * (AddShare, AddShareWithGroup, UpdateShare, the functions that add groups) writes one into
+ * smb.conf, which Samba reads later. Nothing but DelAllShareFromSMB takes that away again:
+ * DelGroupFromShare, DelShare and DelWinShares touch user_smb.conf alone. In smb.conf a right that
+ * was taken away stands until AddShareWithGroup writes the share again, and a share that was
+ * deleted stays.
+ *
  * The functions of this section take no lock: the callers hold those of FSH_FILE_SHARE and
  * FSH_FILE_SMB. After each file that they copied back they wait two seconds, which gives the daemon
  * time to see it. Where a copy fails, the file stays as it was. */
@@ -173,7 +189,8 @@ FSH_API unsigned DelShareFromSMB(const char* name);
 
 /* Deletes the lines of AppleVolumes.conf that begin with key: the folder in quotes, the closing one
  * included, so that no folder whose name is longer matches. The file is rewritten even without such
- * a line. SIGCHLD stays as it is; while it is ignored, the copy counts as failed.
+ * a line. SIGCHLD stays as it is; while it is ignored, the copy counts as failed. DelShare and
+ * DelAllShare do the same.
  * 0; FSH_ARGUMENT (20): key is missing or empty; FSH_NO_TEMPORARY (22), FSH_CANNOT_OPEN (21),
  * FSH_AFP_SHARES_NOT_WRITTEN (19) as SetAFPShare. */
 FSH_API unsigned DelShareFromAFP(const char* key);
@@ -257,9 +274,11 @@ FSH_API int EveryoneInDiskSh(int volume);
 /* ---- Path translation ----------------------------------------------------------------------- */
 
 /* Callers name folders in any letter case; the volumes tell cases apart. These functions spell the
- * parts of a path as the disk has them. An entry of a folder matches a name when both are equally
- * long and differ in letter case at most (UTF-8); of several, the one that the folder lists first
- * counts. "." and ".." never match. A path is rewritten in place and never grows. */
+ * parts of a path as the disk has them. An entry of a folder matches a name when both have as many
+ * bytes and differ at most in the case of letters that strequal of libsamba folds: of UTF-8 the
+ * Latin, Greek, Cyrillic, Armenian and full-width ones; other bytes match themselves. Of several
+ * entries the one that the folder lists first counts. "." and ".." never match. A path is rewritten
+ * in place and never grows. */
 
 /* The component behind the slash at *slash, up to the next slash or the end, as a heap string that
  * the caller frees with free(3). Null: no memory, or there is no text at slash. */
@@ -272,8 +291,8 @@ FSH_API int case_dir(const char* directory, const char* name, char** stored);
 
 /* Spells the components of an absolute path as they are on disk, up to the first that is not there;
  * the rest of the path stays. Up to there each run of slashes becomes one; what stands before the
- * first slash is lost. 0: the letter case of a component changed; -1: of none, or path is missing
- * or has no slash. */
+ * first slash is lost. 0: the letter case of a component changed; -1: of none; or the path is as it
+ * was, since it is missing or has no slash, or there is no memory. */
 FSH_API int trans_dir(char* path);
 
 /* The same for what stands behind prefix, which is taken as it is and begins the path; null is no
