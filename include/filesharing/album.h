@@ -9,12 +9,14 @@
  *   album=right:folder
  *
  * where folders are relative to the album's folder. What texts, numbers and rights mean is the
- * page's. A header needs its "]"; blanks and tabs round the name in it do not count, nor does
- * letter case, as far as strequal of libsamba knows letters. A name that could not be found again
- * is nobody's: one that is empty or holds a "]" or a line feed.
+ * page's; they are written as they are, so that a line feed in a text is another line of the file.
+ * A header needs its "]"; blanks and tabs round the name in it do not count, nor does letter case,
+ * as far as strequal of libsamba folds it (path translation in shares.h). A name that could not be
+ * found again is nobody's: one that is empty or holds a "]" or a line feed.
  *
  * Functions that change the file hold the lock file /tmp/album.lck: they try 15 times, 2 seconds
- * apart, to take it, and then go on without it. The conventions of types.h apply.
+ * apart, 28 seconds in all, to take it, and then go on without it. The conventions of types.h
+ * apply, above all that about SIGCHLD.
  */
 #ifndef FILESHARING_ALBUM_H
 #define FILESHARING_ALBUM_H
@@ -31,7 +33,8 @@ FSH_BEGIN_DECLS
  * missing; the record is partly filled then. */
 FSH_API int ReadPhotoAlbumConf(PhotoAlbumConf* settings);
 
-/* Saves the three keys. 0; -1: no record, or the settings file is not written. */
+/* Saves the three keys. 0; -1: no record, or the settings file is not written; with a line feed in
+ * a text only the switch is. */
 FSH_API int SavePhotoAlbumConf(const PhotoAlbumConf* settings);
 
 /* Switches the album off when its share is gone or lies on this volume. Returns 0. */
@@ -62,9 +65,12 @@ FSH_API int AddAlbumUser(const AlbumUserInfo* record);
 /* Deletes a user with the folders. 0; -1: no such user, or the file is not written. */
 FSH_API int DelAlbumUser(const char* name);
 
-/* Changes a user's information, and the name when it differs from old_name in any letter.
- * 0; -1: no such user, no record, a new name that could not be found again, or the file is not
- * written; FSH_NO_TEMPORARY (22). */
+/* Changes a user's information, and the name when it differs from old_name in any letter. The name
+ * stays when the header is not exactly "[old_name]", as with another letter case or with blanks,
+ * and the result is 0 all the same. A name that another user has is not refused: of the two the
+ * first counts, and DelAlbumUser deletes both.
+ * 0; -1: no such user, no record, a new name that could not be found again, a line feed in a text,
+ * or the file is not written; FSH_NO_TEMPORARY (22). */
 FSH_API int UpdateAlbumUser(const char* old_name, const AlbumUserInfo* record);
 
 /* All users that have an information line, as a list that FreeAlbumUserList frees.
@@ -77,14 +83,17 @@ FSH_API void FreeAlbumUserList(AlbumUserInfo* head);
 
 /* Add a folder to a user's, with a right, and remove it. A folder that is there keeps its right; an
  * unknown user has no folders. Blank lines of the file go, and lines of the user's section that are
- * malformed. A copy that succeeded leaves its temporary file behind.
+ * malformed. Lines are read in pieces of 1023 characters: a folder of more than 1015 characters,
+ * with a right of one digit, is not found, and is added again each time. A copy that succeeded
+ * leaves its temporary file behind.
  * 0, also when no temporary file can be made; -1: an argument is missing, the file can not be
- * opened, or could not be copied back: the lock is not released then, and the next change waits in
- * vain. */
+ * opened, or could not be copied back, or was while SIGCHLD is ignored: the lock is not released
+ * then, and the next change waits in vain. */
 FSH_API int AddFolderToAlbumUser(const char* name, const char* folder, int right);
 FSH_API int DelFolderFromAlbumUser(const char* name, const char* folder);
 
-/* Drops the folders of all users that are not below the album's folder with sub behind it.
+/* Drops the folders of all users that are not below the album's folder with sub, or null for none,
+ * behind it.
  * 0, also when there is no such album or folder and nothing is changed; -1: as for
  * AddFolderToAlbumUser, or the current folder, which it leaves for a moment, can not be entered
  * again: nothing is changed then, and it is not left. */

@@ -47,33 +47,37 @@ FSH_API unsigned StopMediaProcess(int volume, const char* share_prefix, int pers
  * database. Returns what ResetUPnPAV returned, else 0: failures of the other two are not told. */
 FSH_API unsigned StartMediaProcess(unsigned mask);
 
-/* Stop all three whatever their settings; StopAllMedia1 keeps the UPnP database. */
+/* Stop all three whatever their settings; StopAllMedia1 keeps the UPnP database, unless a folder in
+ * use lies on a removable share: see StopUPnPDaemon. */
 FSH_API void StopAllMedia(void);
 FSH_API void StopAllMedia1(void);
 
 /* ---- iTunes --------------------------------------------------------------------------------- */
 
 /* Clears and fills the record from itune, itune_name and itune_path. enabled is 1 when itune begins
- * with "yes"; without a name it is the device's with "_iTunes".
+ * with "yes"; without a name it is the device's with "_iTunes", cut to the field.
  * 0; -1: no record, or the settings file can not be opened. */
 FSH_API int ReadiTuneConf(ITunesSettings* settings);
 
-/* Saves the three keys, unchecked. 0; -1: no record, or the settings file can not be written. */
+/* Saves the three keys, unchecked. 0; -1: no record, or the settings file can not be written. A
+ * text with a line feed can not be; then the switch alone is saved. SaveUPnPAVConf does the same,
+ * and SaveBroadConf saves "broad" alone. */
 FSH_API int SaveiTuneConf(const ITunesSettings* settings);
 
 /* Stops mt-daapd, waits 2 seconds and, when it is on, replaces the lines of /etc/mt-daapd.conf that
  * begin with "mp3_dir", "port" and "servername", removes /tmp/songs.gdb, the list of songs, and
  * starts it. Lines that are missing are not added. A folder that is gone switches it off.
- * 0; -1: the settings file can not be opened, the path does not resolve, or mt-daapd.conf or its
- * temporary file can not be opened or copied. What GetShareInfo returned when the share went away
- * during the call, which switches it off, too. Whether the daemon started does not count. */
+ * 0; -1: the settings file can not be opened, the path does not resolve, mt-daapd.conf or its
+ * temporary file can not be opened or copied, or SIGCHLD is ignored: it is written then, and
+ * nothing starts. What GetShareInfo returned when the share went away during the call, which
+ * switches it off, too. Whether the daemon started does not count. */
 FSH_API int ResetItune(void);
 
 /* ---- Music broadcast ------------------------------------------------------------------------ */
 
 /* Clears and fills the record from music_broad, broad_name, broad_port, broad_path and play_method.
- * enabled is 1 when music_broad begins with "yes"; without a name it is the device's with "_MP3"; a
- * port that is missing, no number or 0 is 1234.
+ * enabled is 1 when music_broad begins with "yes"; without a name it is the device's with "_MP3",
+ * cut to the field; a port that is missing, no number or 0 is 1234.
  * 0; -1: no record, or the settings file can not be opened. */
 FSH_API int ReadBroadConf(BroadcastSettings* settings);
 
@@ -95,10 +99,10 @@ FSH_API unsigned ResetBroadcast(void);
 /* ---- UPnP AV -------------------------------------------------------------------------------- */
 
 /* Clears and fills the record. From section "media": upnp_av ("yes" at its beginning: enabled is
- * 1), upnp_name (without one the device's name with "_Media"), scan_interval, content_scan (-1 when
- * missing) and, for each N from 1 to 4, upnp_av_folder_N, upnp_av_share_N, upnp_av_path_N and
- * content_type_N. From "network": code_page (437 when missing), port and version; the version of
- * the factory's settings in /usr/local counts before that one.
+ * 1), upnp_name (without one the device's name with "_Media", cut to the field), scan_interval,
+ * content_scan (-1 when missing) and, for each N from 1 to 4, upnp_av_folder_N, upnp_av_share_N,
+ * upnp_av_path_N and content_type_N. From "network": code_page (437 when missing), port and
+ * version; the version of the factory's settings in /usr/local counts before that one.
  * 0; -1: no record, or the settings file can not be opened. */
 FSH_API int ReadUPnPAVConf(UPnPAVSettings* settings);
 
@@ -132,12 +136,13 @@ FSH_API int ReloadUPnPAVServerIP(void);
  * server looks through everything when it starts next. */
 FSH_API void RemoveDBOKFlag(void);
 
-/* Stops the server as StopUPnPDaemon, its database removed unless keep_db is set, and waits 4
- * seconds. When it is on, writes /etc/media.conf, waits another 4 seconds and starts the server by
- * its script in a process of its own. Folders that do not resolve are left out; without any the old
- * list stays. The database lies on the first of volumes 1, 2 and 5 that is mounted; with only
- * volumes 3 and 4 it is built anew in the first folder's share that is no read-only NTFS, or in
- * /tmp. A blank in the path of that share splits the command which removes the old one.
+/* Stops the server as StopUPnPDaemon, its database removed unless keep_db is set and no folder in
+ * use lies on a removable share, and waits 4 seconds. When it is on, writes /etc/media.conf, waits
+ * another 4 seconds and starts the server by its script in a process of its own. Folders that do
+ * not resolve are left out; without any the old list stays. The database lies on the first of
+ * volumes 1, 2 and 5 that is mounted; with only volumes 3 and 4 it is built anew, also with keep_db
+ * set, in the first folder's share that is no read-only NTFS, or in /tmp. A blank in the path of
+ * that share splits the command which removes the old one.
  * 0; -1: the settings file can not be opened, and nothing was stopped. */
 FSH_API int ResetUPnPAV(int keep_db);
 

@@ -1,4 +1,4 @@
-/* Network services. */
+/* Network services. The conventions of types.h apply, above all that about SIGCHLD. */
 #ifndef FILESHARING_SERVICES_H
 #define FILESHARING_SERVICES_H
 
@@ -27,13 +27,14 @@ FSH_API unsigned ReadSambaConf(SambaSettings* settings);
  * FSH_WORKGROUP_MULTIBYTE (6): w_d_name holds a byte from 128 up;
  * FSH_WORKGROUP_MISSING (8): w_d_name is empty while msn_enable is "yes";
  * FSH_BAD_WINS_SWITCH (3): wins_enable is neither "yes" nor "no";
- * FSH_BAD_WINS_SERVER (5): wins_server is no address for inet_aton(3), is "255.255.255.255", or its
- *   first number is 0, 127, 224 to 239 or 255;
+ * FSH_BAD_WINS_SERVER (5): wins_server is no address for inet_aton(3), is "255.255.255.255", or has
+ *   a dot and before it 0, 127, 224 to 239 or 255 (without a dot "127" is the address 0.0.0.127);
  * FSH_WINS_SERVER_MISSING (4): wins_server is empty, "..." or "0.0.0.0" while wins_enable is "yes";
  * FSH_BAD_PRINTER_NAME (9): printer_name holds one of "/\[]:;|=.,+*?<>'` or a blank;
  * FSH_PRINTER_NAME_MULTIBYTE (10): printer_name holds a byte from 128 up.
  * Also FSH_ARGUMENT (20): null; FSH_SAMBA_SETTINGS_NOT_SAVED (12): the settings file can not be
- * written, or the lock /tmp/samba.lck, which this function takes before anything else, is taken.
+ * written, a name holds a line feed, or the lock /tmp/samba.lck, which this function takes before
+ * anything else, is taken.
  * 0 when all is saved. */
 FSH_API unsigned SaveSambaConf(SambaSettings* settings);
 
@@ -49,9 +50,11 @@ FSH_API unsigned SetSMB(void);
  * file; FSH_GUEST_NOT_SET (56): guest_access is missing, or smb.conf can not be written. */
 FSH_API unsigned ResetGuest(void);
 
-/* Sets "load printers" in smb.conf(5) to the setting printer_icon, when volume 1 is mounted. Takes
- * no lock. 0, also when it is not mounted; FSH_CANNOT_OPEN (21): the settings file;
- * FSH_PRINTER_NOT_SET (57): printer_icon is missing, or smb.conf can not be written. */
+/* Sets "load printers" in smb.conf(5) to the first four characters of the setting printer_icon,
+ * when volume 1 is mounted. These have to be a word that Samba takes for a boolean (yes, no, true,
+ * on or off; "false" is cut): with any other smb.conf does not load. Takes no lock.
+ * 0, also when it is not mounted; FSH_CANNOT_OPEN (21): the settings file; FSH_PRINTER_NOT_SET
+ * (57): printer_icon is missing, or smb.conf can not be written. */
 FSH_API unsigned ResetPrinter(void);
 
 /* ---- FTP ------------------------------------------------------------------------------------ */
@@ -69,11 +72,13 @@ FSH_API int SaveFTPConf(const FtpSettings* settings);
 
 /* Writes the saved settings into /etc/services, /etc/vsftpd.conf (vsftpd.conf(5)) and
  * /etc/inetd.conf, in this order, stops inetd and bftpd, and starts inetd a second later in a
- * process of its own. Takes no lock; a failure leaves the files before that one rewritten.
+ * process of its own. Takes no lock; a failure leaves the files before that one rewritten. Leaves
+ * one stream open until the process ends.
  * 0; FSH_CANNOT_OPEN (21): one of the three files, the settings file, or the temporary file of the
  * second or third; FSH_NO_TEMPORARY (22): the first temporary file; FSH_SERVICE_NOT_APPLIED (36):
- * the settings can not be read, or a file can not be copied back; FSH_GUEST_ACCESS_MISSING (56):
- * the setting guest_access. */
+ * the settings can not be read, a file can not be copied back, or SIGCHLD is ignored: all three are
+ * written then, and inetd runs on as it was; FSH_GUEST_ACCESS_MISSING (56): the setting
+ * guest_access. */
 FSH_API unsigned ResetFTP(void);
 
 /* ---- AFP and mDNS --------------------------------------------------------------------------- */
@@ -87,21 +92,24 @@ FSH_API unsigned ResetFTP(void);
 FSH_API unsigned ReadAFPConf(AfpSettings* settings);
 
 /* Saves the AFP settings in one rewrite of the settings file, as they are.
- * 0; FSH_AFP_NOT_SAVED (19): not written, or no record. */
+ * 0; FSH_AFP_NOT_SAVED (19): no record, or not written, as with a line feed in a text. */
 FSH_API int SaveAFPConf(const AfpSettings* settings);
 
-/* 1 when AFP is on and share, in this letter case, is the Time Machine share; else 0. */
+/* 1 when AFP is on and share, in this letter case, is the Time Machine share; else 0. Leaves a
+ * stream open each time that the settings can be read, and so do ResetmDNSConf, ResetAFP, DelShare
+ * and DelAllShare. */
 FSH_API int IsShUsedByTM(const char* share);
 
 /* Stops the mDNS responder, writes /etc/howl/mDNSResponder.conf anew (the web server; with AFP on
  * the AFP server; with a Time Machine share that exists that too) and starts it. Takes about 8
- * seconds. 0; -1: the settings file can not be opened, the key port or the device's name is
- * missing, or the responder's file can not be written. The responder stays stopped then. */
+ * seconds. A file that is missing is made for all to read and write but for the process's umask,
+ * which ResetAFP clears. 0; -1: the settings file can not be opened, the key port or the device's
+ * name is missing, or the responder's file can not be written. The responder stays stopped then. */
 FSH_API int ResetmDNSConf(void);
 
 /* Writes the one line of /etc/netatalk/afpd.conf and waits 2 seconds for it to settle.
  * 0; FSH_NO_TEMPORARY (22); FSH_CANNOT_OPEN (21): the temporary file; FSH_AFP_NOT_SAVED (19): not
- * copied back. */
+ * copied back, or written while SIGCHLD is ignored. */
 FSH_API unsigned SetAFPDConf(AfpSettings settings);
 
 /* Applies the AFP settings in a process of its own: about 5 seconds later that process stops afpd,
@@ -120,8 +128,8 @@ FSH_API void debug_afp(const char* format, ...) __attribute__((format(printf, 1,
 /* Restarts stunnel(8) in a process of its own, with its "connect" in /etc/stunnel.conf set to the
  * setting port of the web server (80 when it is missing). The running tunnel stops after ten
  * seconds; the new one starts four later, only when the setting https is exactly "yes". Takes no
- * lock. 0 when that process was started; -1: the settings file can not be opened, or https is
- * missing, which leaves one stream open until the process ends. */
+ * lock. Sets SIGCHLD to its default action. 0 when that process was started; -1: the settings file
+ * can not be opened, or https is missing, which leaves one stream open until the process ends. */
 FSH_API int ResetHttps(void);
 
 FSH_END_DECLS
