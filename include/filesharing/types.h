@@ -10,10 +10,19 @@
  *     4294967295.
  *  4. Lists and strings that the library returns are made with malloc(3). The caller owns them and
  *     releases them with the free function named at the record.
- *  5. Nothing is kept between calls. Functions that change files say which locks they take
- *     (Lock in conf.h); they fail at once when a lock is taken and never wait for it.
+ *  5. Nothing is kept between calls but the counts of AddUsersToSysGroup (groups.h): that function,
+ *     AddUsersToGroup and AddUser are for one call per process. Functions that change files say
+ *     which locks they take (Lock in conf.h); they fail at once when a lock is taken. Only changes
+ *     of the album's users wait for theirs, up to 28 seconds (album.h).
  *  6. Functions are not safe to call from several threads: they use fork(2), the action of SIGCHLD
  *     and the C library's account look-ups. The library is made for short-lived processes.
+ *  7. A web server may start pages with SIGCHLD ignored: set it to its default action before the
+ *     first call, signal(SIGCHLD, SIG_DFL). Else nobody learns how a command ended, and these fail
+ *     with everything written: ResetFTP, SetAFPDConf, ResetItune, DelShareFromAFP, BackupConFiles,
+ *     RestoreConFiles, the functions of groups.h that change one file, and those that change the
+ *     folders of the album's users, whose lock stays. DelShare and DelAllShare fail half-way, and
+ *     the other changes of groups.h fail and are undone. Functions that set the action themselves
+ *     say so; it stays set.
  *
  * Layouts are part of the interface: no field moves or changes its size.
  */
@@ -122,7 +131,7 @@ FSH_LAYOUT(sizeof(ShareGroup) == FSH_SIZE(32, 40));
 typedef struct ShareInfo {
   char name[21];
   char comment[49];
-  char path[258];     /* relative to the volume's data folder, begins with "/" */
+  char path[258];     /* in the volume's data folder, begins with "/"; 256 without one at its end */
   int32_t volume;     /* N of /harddisk/volume_N */
   int32_t suffixed;   /* non-zero: the name carries "~" and a character, unlike the volume's own */
   ShareGroup* groups; /* access list; filled by the functions that say so */
@@ -196,7 +205,7 @@ FSH_LAYOUT(offsetof(AfpSettings, tm_share) == 207 && sizeof(AfpSettings) == 228)
 
 typedef struct UPnPAVSettings {
   int32_t enabled;
-  char name[36]; /* friendly name, at most 32 characters */
+  char name[36]; /* friendly name, at most 32 characters; 35 when it is made of the device's */
   int32_t folder_used[FSH_MEDIA_FOLDERS];
   char folder_share[FSH_MEDIA_FOLDERS][21];
   char folder_path[FSH_MEDIA_FOLDERS][257]; /* folder references, /SHARE or /SHARE/FOLDER */
@@ -222,7 +231,7 @@ FSH_LAYOUT(offsetof(ITunesSettings, path) == 37 && sizeof(ITunesSettings) == 121
 
 typedef struct BroadcastSettings {
   int32_t enabled;
-  char name[36]; /* at most 32 characters */
+  char name[36]; /* as in UPnPAVSettings */
   int32_t port;
   char path[257];       /* folder reference */
   char play_method[13]; /* "order" for playing in order; anything else shuffles */
