@@ -132,13 +132,15 @@ Leftovers::Leftovers(Leaves allowed) : allowed_(allowed) {
 }
 
 Leftovers::~Leftovers() {
-  std::set<std::FILE*> left;
   {
     const WithoutReplacement real_calls;
     require(streams.empty() || allowed_ != Leaves::kNothing);
-    left.swap(streams);
   }
-  for (std::FILE* const stream : left) static_cast<void>(std::fclose(stream));
+  while (!streams.empty()) {
+    std::FILE* const stream = *streams.begin();
+    streams.erase(stream);
+    static_cast<void>(std::fclose(stream));
+  }
   if (watching) {
     watching = false;
     while (block_count > 0) std::free(const_cast<void*>(blocks[--block_count]));

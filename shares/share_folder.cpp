@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <tuple>
+
 #include "conf/folder.h"
 #include "conf/paths.h"
 #include "conf/shell.h"

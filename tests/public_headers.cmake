@@ -13,4 +13,4 @@ add_library(public_headers OBJECT ${units})
 set_target_properties(public_headers PROPERTIES C_EXTENSIONS OFF)
 target_include_directories(public_headers PRIVATE ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(public_headers PRIVATE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion ${werror} $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
