@@ -9,6 +9,21 @@ foreach(header ${headers})
     list(APPEND units ${unit})
   endforeach()
 endforeach()
+
+# Of the C library's types only those cross the interface that are the same for callers that are
+# built with other widths of its offsets and dates.
+set(unit ${CMAKE_CURRENT_BINARY_DIR}/types_of_one_width.c)
+file(CONFIGURE OUTPUT ${unit} CONTENT "
+#include <stdio.h>
+#pragma GCC poison off_t off64_t fpos_t ino_t dev_t stat dirent DIR time_t timespec timeval tm
+#include \"filesharing/filesharing.h\"
+#include \"platform/profile/profile.h\"
+#include \"platform/samba/samba.h\"
+#include \"platform/utility/utility.h\"
+")
+set_source_files_properties(${unit} PROPERTIES INCLUDE_DIRECTORIES ${PROJECT_SOURCE_DIR})
+list(APPEND units ${unit})
+
 add_library(public_headers OBJECT ${units})
 set_target_properties(public_headers PROPERTIES C_EXTENSIONS OFF)
 target_include_directories(public_headers PRIVATE ${PROJECT_SOURCE_DIR}/include)
