@@ -18,6 +18,22 @@ bool is_space(char character) {
   return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
+std::int64_t to_long(std::string_view text) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  while (!text.empty() && is_space(text.front())) {
+    text.remove_prefix(1);
+  }
+  if (text.starts_with('+') && !text.starts_with("+-")) {
+    text.remove_prefix(1);
+  }
+  std::int64_t number = 0;
+  if (std::from_chars(text.data(), text.data() + text.size(), number).ec ==
+      std::errc::result_out_of_range) {
+    return text.front() == '-' ? Limits::min() : Limits::max();
+  }
+  return number;
+}
+
 }  // namespace
 
 std::string format(const char* pattern, ...) {
@@ -58,26 +74,16 @@ bool is_blank_line(std::string_view line) {
   return line.empty() || line.front() == '\r' || line.front() == '\n';
 }
 
-std::int64_t to_long(std::string_view text) {
-  using Limits = std::numeric_limits<std::int64_t>;
-  while (!text.empty() && is_space(text.front())) {
-    text.remove_prefix(1);
-  }
-  if (text.starts_with('+') && !text.starts_with("+-")) {
-    text.remove_prefix(1);
-  }
-  std::int64_t number = 0;
-  if (std::from_chars(text.data(), text.data() + text.size(), number).ec ==
-      std::errc::result_out_of_range) {
-    return text.front() == '-' ? Limits::min() : Limits::max();
-  }
-  return number;
-}
-
 std::int32_t to_int(std::string_view text) {
   using Limits = std::numeric_limits<std::int32_t>;
   return static_cast<std::int32_t>(
       std::clamp<std::int64_t>(to_long(text), Limits::min(), Limits::max()));
+}
+
+std::uint32_t to_unsigned(std::string_view text) {
+  constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
+  const std::int64_t number = to_long(text);
+  return static_cast<std::uint32_t>(number < -kMost || number > kMost ? kMost : number);
 }
 
 std::string_view take_until(std::string_view& rest, char separator) {

@@ -48,7 +48,10 @@ bool is_blank_line(std::string_view line);
 // Number at the start of a text as atoi(3) reads it, but defined for numbers of any size: they stop
 // at the limits of the type.
 std::int32_t to_int(std::string_view text);
-std::int64_t to_long(std::string_view text);
+
+// The same into a type without a sign: a negative number wraps round, as with strtoul(3) where a
+// long has 32 bits.
+std::uint32_t to_unsigned(std::string_view text);
 
 // Takes the text up to the next separator off the front of rest, and the separator with it. The
 // last item is what is left; rest is empty then.

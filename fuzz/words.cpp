@@ -38,6 +38,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::require(slash == nullptr || *slash == '/');
   (void)strchr_m(right.data(), 0x20ac);
   (void)filesharing::to_int(left.data());
-  (void)filesharing::to_long(right.data());
+  (void)filesharing::to_unsigned(right.data());
   return 0;
 }

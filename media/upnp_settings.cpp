@@ -1,5 +1,4 @@
 // The UPnP AV server's settings in the settings file.
-#include <cstdlib>
 #include <tuple>
 
 #include "conf/result.h"
@@ -52,8 +51,7 @@ int read(UPnPAVSettings& settings) {
   settings.code_page = network.number("code_page").value_or(kDefaultCodePage);
   settings.port = network.number("port").value_or(0);
   copy_field(settings.version, firmware_version(network));
-  const std::string interval = media.text("scan_interval", kIntervalLimit).value_or("");
-  settings.scan_interval = static_cast<std::uint32_t>(std::strtoul(interval.c_str(), nullptr, 10));
+  settings.scan_interval = to_unsigned(media.text("scan_interval", kIntervalLimit).value_or(""));
   return 0;
 }
 

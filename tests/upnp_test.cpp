@@ -86,6 +86,9 @@ TEST_F(UPnPTest, ReadsKeysWithTheirDefaultsAndLimits) {
        "version=123456789012\nport=x\n", "",
        "1|" + name + "|0,,,0|0," + share + "," + path + ",0|0,,,0|0,,,0|-1|437|0|12345678901|12"},
       {"scan_interval=-1\n", "", "", empty + "|4294967295"},
+      {"scan_interval=4294967296\n", "", "", empty + "|4294967295"},
+      {"scan_interval=-4294967296\n", "", "", empty + "|4294967295"},
+      {"scan_interval=-4294967295\n", "", "", empty + "|1"},
       /* The factory knows the version better. */
       {"", "version=1.0\n", "[network]\nversion=3.1\n", empty + "3.1|0"},
       {"", "version=1.0\n", "[network]\nport=1\n[media]\nversion=9\n", empty + "1.0|0"},

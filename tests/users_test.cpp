@@ -77,6 +77,9 @@ TEST_F(UsersTest, LookUpFindsTheFirstEntryOfEveryoneAndCutsALongDescription) {
     unsigned quota;
   } cases[] = {
       {"everyone=   alice:5,bob:4294967295", "bob", 0, true, 4294967295u},
+      {"everyone=bob:4294967296", "bob", 0, true, 4294967295u},
+      {"everyone=bob:99999999999999999999", "bob", 0, true, 4294967295u},
+      {"everyone=bob:-2", "bob", 0, true, 4294967294u},
       {"everyone=bob:1,bob:2,carol\n", "bob", 0, true, 1},  // not looked at any more
       {"everyone=bob:\r\n", "bob", 0, true, 0},
       {long_list + "bob:77\n", "bob", 0, true, 77},

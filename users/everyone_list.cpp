@@ -23,7 +23,7 @@ bool EveryoneReader::next() {
 
 void fill_from_list(UserInfo& record, std::string_view quota) {
   copy_field(record.password, FSH_PASSWORD_PLACEHOLDER);
-  record.quota = static_cast<std::uint32_t>(to_long(quota));
+  record.quota = to_unsigned(quota);
 }
 
 }  // namespace filesharing
