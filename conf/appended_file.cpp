@@ -10,7 +10,7 @@ namespace filesharing {
 AppendedFile::AppendedFile(const char* path) : stream_(open_stream(path, "a+")) {
   if (stream_) {
     line_open_ = ends_within_line(stream_.get());
-    size_ = std::ftell(stream_.get());
+    size_ = ftello(stream_.get());
   }
 }
 

@@ -2,6 +2,8 @@
 #ifndef FILESHARING_CONF_APPENDED_FILE_H
 #define FILESHARING_CONF_APPENDED_FILE_H
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 
@@ -27,7 +29,7 @@ class AppendedFile {
 
  private:
   Stream stream_;
-  long size_ = 0;  // before
+  off_t size_ = 0;  // before
   bool line_open_ = false;
   bool kept_ = false;
 };
