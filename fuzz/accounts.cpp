@@ -9,7 +9,7 @@
 #include "filesharing/users.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/outside.h"
-#include "groups/group_line.h"
+#include "groups/group_lines.h"
 #include "users/account_line.h"
 #include "users/user_lists.h"
 

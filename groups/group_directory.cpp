@@ -9,8 +9,7 @@
 #include "conf/text.h"
 #include "filesharing/groups.h"
 #include "filesharing/shares.h"
-#include "groups/group_line.h"
-#include "groups/group_members.h"
+#include "groups/group_lines.h"
 
 namespace filesharing {
 

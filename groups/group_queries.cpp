@@ -14,7 +14,7 @@
 #include "filesharing/groups.h"
 #include "filesharing/shares.h"
 #include "groups/group_directory.h"
-#include "groups/group_line.h"
+#include "groups/group_lines.h"
 
 namespace filesharing {
 namespace {

@@ -10,8 +10,7 @@
 #include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/groups.h"
-#include "groups/group_line.h"
-#include "groups/names.h"
+#include "groups/group_lines.h"
 
 namespace filesharing {
 namespace {
@@ -78,7 +77,7 @@ Result add_system_group(std::string_view name, FileRewrite& rewrite) {
     return FSH_NO_FREE_GID;
   }
   rewrite.write(seen.last_line_ends ? "" : "\n");
-  rewrite.write(new_group_line(name, *gid));
+  rewrite.write(std::string(name) + ":x:" + std::to_string(*gid) + ":\n");
   return rewrite.commit(copy_back_once(FSH_GROUP_NOT_ADDED));
 }
 

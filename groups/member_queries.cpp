@@ -10,7 +10,7 @@
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/groups.h"
-#include "groups/group_members.h"
+#include "groups/group_lines.h"
 
 namespace filesharing {
 namespace {

@@ -6,13 +6,10 @@
 #include "conf/transaction.h"
 #include "filesharing/conf.h"
 #include "filesharing/groups.h"
-#include "groups/group_file_edit.h"
-#include "groups/user_groups_edit.h"
+#include "groups/member_edits.h"
 
 namespace filesharing {
 namespace {
-
-constexpr int kFiles = FSH_FILE_GROUP | FSH_FILE_USER;
 
 // Kept: the two additions to /etc/group, and the one that puts users into the list of a group, copy
 // once and through the utility library; every other copy runs twice, and the second status counts.
@@ -23,118 +20,82 @@ constexpr CopyBack kCopyOnce{.through = Through::kUtilityLibrary,
 constexpr CopyBack kCopyTwice{
     .runs = 2, .sync_after = Sync::kOnSuccess, .settle_seconds = 1, .failure = FSH_FAILED};
 
-bool arguments_given(const char* name, const char* const* names, int count) {
-  return !missing(name) && is_list(names, count);
+Result failure_of(MemberAction action) {
+  return action == MemberAction::kAdd ? FSH_MEMBER_NOT_ADDED : FSH_MEMBER_NOT_REMOVED;
 }
 
-Names listed(const char* const* names, int count) {
-  return {names, names + count};
-}
-
-Result add_to_system_group(const char* group, const Names& users) {
-  // Kept: the counts live on from call to call, so that within one process a second call takes
-  // users for found who are not, and puts a comma before the first member of an empty group.
-  static MemberCounts counts;
-  return edit_group_file({.groups = {group},
-                          .users = users,
-                          .action = MemberAction::kAdd,
-                          .first_line_only = true,
-                          .line_ends = "\r\n",
-                          .keeps_every_comma = true,
-                          .counts = &counts,
-                          .copy_back = kCopyOnce});
-}
-
-Result remove_from_system_group(const char* group, const Names& users) {
-  return edit_group_file({.groups = {group},
-                          .users = users,
-                          .action = MemberAction::kRemove,
-                          .first_line_only = true,
-                          .line_ends = "\r\n",
-                          .copy_back = kCopyTwice});
-}
-
-Result edit_system_groups(const Names& groups, const char* user, MemberAction action,
-                          const CopyBack& copy_back) {
-  return edit_group_file({.groups = groups,
-                          .users = {user},
-                          .action = action,
-                          .refuses_short_lines = true,
-                          .ends_last_line = true,
-                          .copy_back = copy_back});
-}
-
-// Changes both group files as one: whatever goes wrong in it has the code failure.
-template <class Change>
-Result change_members(Result busy, Result failure, int added, Change&& change) {
+// Changes both group files as one; whatever goes wrong in it has one code.
+Result change_members(const MemberChange& change, const CopyBack& group_file,
+                      const CopyBack& user_groups) {
   constexpr std::uint64_t kMostMemberBytes = 32;  // with the quota
-  return transact({.mask = kFiles,
-                   .busy = busy,
+  const bool adds = change.action == MemberAction::kAdd;
+  const Result failure = failure_of(change.action);
+  return transact({.mask = FSH_FILE_GROUP | FSH_FILE_USER,
+                   .busy = adds ? FSH_ADD_MEMBER_BUSY : failure,
                    .no_room = failure,
-                   .adds = kMostMemberBytes * static_cast<std::uint64_t>(added),
+                   .adds = adds ? kMostMemberBytes * change.groups.size() * change.users.size() : 0,
                    .out_of_memory = failure},
-                  [&] { return change() == FSH_OK ? FSH_OK : failure; });
+                  [&] {
+                    const bool changed = edit_group_file(change, group_file) == FSH_OK &&
+                                         edit_user_groups(change, user_groups) == FSH_OK;
+                    return changed ? FSH_OK : failure;
+                  });
 }
 
-Result add_users_to_group(const char* group, const char* const* users, int count) {
-  for (int i = 0; i < count; ++i) {
-    if (UserInGroup(users[i], group) == 1) {
-      return FSH_MEMBER_EXISTS;
+bool adds_a_member(const MemberChange& change) {
+  for (const char* group : change.groups) {
+    for (const char* user : change.users) {
+      if (UserInGroup(user, group) == 1) {
+        return true;
+      }
     }
   }
-  const auto add = [&]() -> Result {
-    STEP(AddUsersToSysGroup(group, users, count));
-    return edit_user_groups(
-        {.groups = {group}, .added = listed(users, count), .removed = {}, .copy_back = kCopyOnce});
-  };
-  const Result result = change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, add);
+  return false;
+}
+
+Result add_users_to_system_group(const MemberChange& change) {
+  return edit_group_file(change, kCopyOnce);
+}
+
+Result add_users_to_group(const MemberChange& change) {
+  if (adds_a_member(change)) {
+    return FSH_MEMBER_EXISTS;
+  }
+  const Result result = change_members(change, kCopyOnce, kCopyOnce);
   if (result != FSH_ADD_MEMBER_BUSY) {
     sync();
   }
   return result;
 }
 
-Result add_user_to_groups(const char* user, const char* const* groups, int count) {
-  for (int i = 0; i < count; ++i) {
-    if (UserInGroup(user, groups[i]) == 1) {
-      return FSH_MEMBER_EXISTS;
-    }
-  }
-  const Names names = listed(groups, count);
-  return change_members(FSH_ADD_MEMBER_BUSY, FSH_MEMBER_NOT_ADDED, count, [&]() -> Result {
-    STEP(edit_system_groups(names, user, MemberAction::kAdd, kCopyOnce));
-    return edit_user_groups(
-        {.groups = names, .added = {user}, .removed = {}, .copy_back = kCopyTwice});
-  });
+Result add_user_to_groups(const MemberChange& change) {
+  return adds_a_member(change) ? FSH_MEMBER_EXISTS : change_members(change, kCopyOnce, kCopyTwice);
 }
 
-Result remove_users_from_group(const char* group, const char* const* users, int count) {
-  const Names names = listed(users, count);
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&]() -> Result {
-    STEP(remove_from_system_group(group, names));
-    return edit_user_groups(
-        {.groups = {group}, .added = {}, .removed = names, .copy_back = kCopyTwice});
-  });
+Result remove_members(const MemberChange& change) {
+  return change_members(change, kCopyTwice, kCopyTwice);
 }
 
-Result remove_user_from_groups(const char* user, const char* const* groups, int count) {
-  const Names names = listed(groups, count);
-  return change_members(FSH_MEMBER_NOT_REMOVED, FSH_MEMBER_NOT_REMOVED, 0, [&]() -> Result {
-    STEP(edit_system_groups(names, user, MemberAction::kRemove, kCopyTwice));
-    return edit_user_groups(
-        {.groups = names, .added = {}, .removed = {user}, .copy_back = kCopyTwice});
-  });
-}
+using Operation = Result (*)(const MemberChange& change);
 
-// A member list changes: what is named first, the list of what goes into it or out of it.
-using Operation = Result (*)(const char* name, const char* const* names, int count);
-
-unsigned run(Operation operation, Result failure, const char* name, const char* const* names,
-             int count) {
-  if (!arguments_given(name, names, count)) {
+unsigned change_group(Operation operation, MemberAction action, const char* group,
+                      const char* const* users, int count) {
+  if (missing(group) || !is_list(users, count)) {
     return FSH_ARGUMENT;
   }
-  return guarded(failure, [&] { return operation(name, names, count); });
+  return guarded(failure_of(action), [&] {
+    return operation({action, ChangedLines::kFirst, {group}, {users, users + count}});
+  });
+}
+
+unsigned change_user(Operation operation, MemberAction action, const char* user,
+                     const char* const* groups, int count) {
+  if (missing(user) || !is_list(groups, count)) {
+    return FSH_ARGUMENT;
+  }
+  return guarded(failure_of(action), [&] {
+    return operation({action, ChangedLines::kAll, {groups, groups + count}, {user}});
+  });
 }
 
 }  // namespace
@@ -143,23 +104,21 @@ unsigned run(Operation operation, Result failure, const char* name, const char* 
 using namespace filesharing;
 
 unsigned AddUsersToSysGroup(const char* group, const char* const* users, int count) {
-  return run([](const char* name, const char* const* names,
-                int number) { return add_to_system_group(name, listed(names, number)); },
-             FSH_MEMBER_NOT_ADDED, group, users, count);
+  return change_group(add_users_to_system_group, MemberAction::kAdd, group, users, count);
 }
 
 unsigned AddUsersToGroup(const char* group, const char* const* users, int count) {
-  return run(add_users_to_group, FSH_MEMBER_NOT_ADDED, group, users, count);
+  return change_group(add_users_to_group, MemberAction::kAdd, group, users, count);
 }
 
 unsigned AddUserToGroups(const char* user, const char* const* groups, int count) {
-  return run(add_user_to_groups, FSH_MEMBER_NOT_ADDED, user, groups, count);
+  return change_user(add_user_to_groups, MemberAction::kAdd, user, groups, count);
 }
 
 unsigned DelUsersFromGroup(const char* group, const char* const* users, int count) {
-  return run(remove_users_from_group, FSH_MEMBER_NOT_REMOVED, group, users, count);
+  return change_group(remove_members, MemberAction::kRemove, group, users, count);
 }
 
 unsigned DelUserFromGroups(const char* user, const char* const* groups, int count) {
-  return run(remove_user_from_groups, FSH_MEMBER_NOT_REMOVED, user, groups, count);
+  return change_user(remove_members, MemberAction::kRemove, user, groups, count);
 }
