@@ -23,6 +23,11 @@ GroupLine parse_group_line(std::string_view line) {
           .has_members_field = gid.found};
 }
 
+bool is_created(const GroupLine& group) {
+  return group.gid && *group.gid >= kFirstCreatedGid &&
+         *group.gid < kFirstCreatedGid + kCreatedGids;
+}
+
 Result fill_members(std::string_view value, GroupUserInfo& group) {
   CStrings names(kMostNames);
   MemberReader members(value);

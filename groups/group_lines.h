@@ -26,13 +26,9 @@ inline bool is_list(const char* const* names, int count) {
   return names != nullptr && count > 0 && std::find(names, names + count, nullptr) == names + count;
 }
 
+// The gids that groups made here have or have had.
 constexpr std::int32_t kFirstCreatedGid = 2000;
 constexpr std::int32_t kCreatedGids = 255;
-
-// Whether a gid is one of those that groups made here have or have had.
-constexpr bool is_created_gid(std::int32_t gid) {
-  return gid >= kFirstCreatedGid && gid < kFirstCreatedGid + kCreatedGids;
-}
 
 // A line of /etc/group, group(5): name, password, gid and members, separated by ":".
 struct GroupLine {
@@ -43,6 +39,9 @@ struct GroupLine {
 };
 
 GroupLine parse_group_line(std::string_view line);
+
+// Whether the gid is one of a group made here.
+bool is_created(const GroupLine& group);
 
 // Fills count and list with the members in the value of a group's line of /etc/usrgrp.info, at most
 // 255. FSH_OK; FSH_MALFORMED: an item among them without ":". Throws std::bad_alloc.

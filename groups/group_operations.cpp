@@ -1,9 +1,12 @@
 // Adding, deleting and renaming groups in all the files that know them.
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 
 #include "conf/c_list.h"
 #include "conf/file_copy.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
@@ -21,7 +24,7 @@ namespace {
 constexpr int kGroupFiles = FSH_FILE_GROUP | FSH_FILE_USER;
 constexpr int kGroupAndSmbFiles = kGroupFiles | FSH_FILE_SMB;
 constexpr std::uint64_t kLineBytes = 16;  // of a new group, besides its name
-constexpr std::array<const char*, 2> kReserved{"everyone", "administrators"};
+constexpr std::array<const char*, 2> kReserved{kEveryone.data(), kAdministrators.data()};
 
 bool is_reserved(std::string_view name) {
   return std::find(kReserved.begin(), kReserved.end(), name) != kReserved.end();
@@ -30,33 +33,6 @@ bool is_reserved(std::string_view name) {
 Result set_members(const char* group, const char* members) {
   return static_cast<Result>(PRO_SetStr(nullptr, group, members, paths::kUserGroups));
 }
-
-// The shares that list a group, as many as a record holds.
-class SharesOfGroup {
- public:
-  explicit SharesOfGroup(std::string_view group) { copy_field(info_.name, group); }
-  SharesOfGroup(const SharesOfGroup&) = delete;
-  SharesOfGroup& operator=(const SharesOfGroup&) = delete;
-  ~SharesOfGroup() {
-    if (read_) {
-      FreeGrpShareInfo(&info_);
-    }
-  }
-
-  Result read() {
-    const Result result = GetGroupShareInfo(&info_);
-    read_ = result == FSH_OK;
-    return result;
-  }
-
-  bool full() const { return info_.count == FSH_MOST_GROUP_SHARES; }
-  int count() const { return info_.count; }
-  const char* const* names() const { return info_.shares; }
-
- private:
-  GroupShareInfo info_{};
-  bool read_ = false;
-};
 
 Result add_group(const char* name) {
   return transact({.mask = kGroupFiles,
@@ -69,7 +45,7 @@ Result add_group(const char* name) {
                   });
 }
 
-// How often a group stands in the access lists of all shares.
+// Counts the entries of a group in the access lists of all shares.
 Result count_entries(const char* group, int& entries) {
   const CList<ShareInfo> shares(GetAllShare, FreeShareList);
   STEP(shares.result());
@@ -82,13 +58,16 @@ Result count_entries(const char* group, int& entries) {
 }
 
 // Runs change(shares) for the shares of a group, round by round while a record was full: there may
-// be more. A round that has changed nothing, as on shares that can not be written, is the last.
+// be more. A round that has changed nothing, as on shares that cannot be written, is the last.
 template <class Change>
 Result change_shares(const char* group, Change change) {
   for (;;) {
-    SharesOfGroup shares(group);
-    STEP(shares.read());
-    if (!shares.full()) {
+    GroupShareInfo shares{};
+    const std::unique_ptr<GroupShareInfo, void (*)(GroupShareInfo*)> owner(&shares,
+                                                                           FreeGrpShareInfo);
+    copy_field(shares.name, group);
+    STEP(GetGroupShareInfo(&shares));
+    if (shares.count < FSH_MOST_GROUP_SHARES) {
       return change(shares);
     }
     int before = 0;
@@ -103,8 +82,8 @@ Result change_shares(const char* group, Change change) {
 }
 
 Result remove_from_shares(const char* group) {
-  return change_shares(group, [&](const SharesOfGroup& shares) -> Result {
-    return shares.count() > 0 ? DelGroupFromShares(group, shares.names(), shares.count()) : FSH_OK;
+  return change_shares(group, [&](const GroupShareInfo& shares) -> Result {
+    return shares.count > 0 ? DelGroupFromShares(group, shares.shares, shares.count) : FSH_OK;
   });
 }
 
@@ -164,9 +143,9 @@ Result rename_in_share(const char* share, std::string_view old_name, std::string
 }
 
 Result rename_in_shares(const char* old_name, const char* new_name) {
-  return change_shares(old_name, [&](const SharesOfGroup& shares) -> Result {
-    for (int i = 0; i < shares.count(); ++i) {
-      STEP(rename_in_share(shares.names()[i], old_name, new_name));
+  return change_shares(old_name, [&](const GroupShareInfo& shares) -> Result {
+    for (int i = 0; i < shares.count; ++i) {
+      STEP(rename_in_share(shares.shares[i], old_name, new_name));
     }
     return FSH_OK;
   });

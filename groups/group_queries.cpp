@@ -1,19 +1,20 @@
-// Which groups there are, and the records that tell about them.
+// Looking groups up: their names, gids, members and shares, and the groups of a user.
 #include <cstdlib>
-#include <memory>
+#include <cstring>
 #include <string>
 
 #include "conf/c_list.h"
 #include "conf/line_reader.h"
+#include "conf/member_list.h"
 #include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/conf.h"
 #include "filesharing/groups.h"
 #include "filesharing/shares.h"
-#include "groups/group_directory.h"
 #include "groups/group_lines.h"
 
 namespace filesharing {
@@ -24,7 +25,7 @@ bool is_listed_gid(std::int32_t gid) {
   return gid >= kFirstCreatedGid || gid == 500 || gid == 501;
 }
 
-Result read_group_names(GroupNameItem** head) {
+Result list_names(GroupNameItem** head) {
   const Stream stream = open_stream(paths::kGroup, "r");
   if (!stream) {
     return FSH_CANNOT_OPEN;
@@ -60,40 +61,7 @@ std::int32_t find_gid(std::string_view name) {
   return FSH_GROUP_UNKNOWN;
 }
 
-Result append_group(CList<GroupItem>& groups, GroupDirectory& directory, std::string_view line) {
-  GroupItem& item = groups.append();
-  const Halves group = split_at(line, '=');
-  if (group.head.empty() || group.tail.empty()) {
-    return FSH_MALFORMED;
-  }
-  copy_field(item.name, group.head);
-  item.gid = directory.gid(std::string(group.head).c_str());
-  item.users = allocate<GroupUserInfo>();
-  copy_field(item.users->name, group.head);
-  STEP(directory.fill_users(*item.users));
-  item.shares = directory.shares(item.name);
-  return FSH_OK;
-}
-
-Result read_groups(GroupItem** head) {
-  const Stream stream = open_stream(paths::kUserGroups, "r");
-  if (!stream) {
-    return FSH_CANNOT_OPEN;
-  }
-  GroupDirectory directory(stream.get());
-  std::rewind(stream.get());
-  CList<GroupItem> groups(FreeGrpList);  // Kept: after a failure what was read is lost
-  for (LineReader line(stream.get()); line.next();) {
-    if (is_blank_line(line.text())) {
-      continue;
-    }
-    STEP(append_group(groups, directory, line.text()));
-  }
-  *head = groups.release();
-  return FSH_OK;
-}
-
-GroupShareInfo* shares_of(std::string_view group) {
+GroupShareInfo* find_shares(std::string_view group) {
   auto* record = allocate<GroupShareInfo>();
   copy_field(record->name, group);
   if (GetGroupShareInfo(record) != FSH_OK) {
@@ -104,6 +72,47 @@ GroupShareInfo* shares_of(std::string_view group) {
     return nullptr;
   }
   return record;
+}
+
+using FillNames = Result (*)(GroupUserInfo& record, std::FILE* lists);
+
+Result fill_users(GroupUserInfo& group, std::FILE* lists) {
+  const std::string prefix = std::string(group.name) + '=';
+  for (LineReader line(lists); line.next();) {
+    if (line.text().starts_with(prefix)) {
+      return fill_members(line.text().substr(prefix.size()), group);
+    }
+  }
+  return fill_members("", group);
+}
+
+Result fill_groups(GroupUserInfo& user, std::FILE* lists) {
+  CStrings groups(kMostNames);
+  const Result walked = walk_members(lists, [&](auto group, auto member) {
+    if (member != user.name) {
+      return Walk::kOn;
+    }
+    if (groups.full()) {
+      return Walk::kStop;
+    }
+    groups.add(group);
+    return Walk::kOn;
+  });
+  if (walked == FSH_OK) {
+    groups.hand_over(user.count, user.list);
+  }
+  return walked;
+}
+
+Result read_record(GroupUserInfo* record, FillNames fill) {
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  end_text(record->name);
+  return guarded(FSH_NO_MEMORY, [&] {
+    const Stream stream = open_stream(paths::kUserGroups, "r");
+    return stream ? fill(*record, stream.get()) : FSH_CANNOT_OPEN;
+  });
 }
 
 void free_strings(char** strings, int count) {
@@ -133,7 +142,11 @@ unsigned GetGrpNameList(GroupNameItem** head) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return guarded(FSH_NO_MEMORY, [&] { return read_group_names(head); });
+  return guarded(FSH_NO_MEMORY, [&] { return list_names(head); });
+}
+
+void FreeGrpNameList(GroupNameItem* head) {
+  free_list(head);
 }
 
 unsigned GetNumOfGrps(void) {
@@ -141,34 +154,12 @@ unsigned GetNumOfGrps(void) {
   return names.result() == FSH_OK ? names.size() : FSH_NO_GROUP_LIST;
 }
 
-unsigned GetAllGroup(GroupItem** head) {
-  if (head == nullptr) {
-    return FSH_ARGUMENT;
-  }
-  *head = nullptr;
-  return guarded(FSH_NO_MEMORY, [&] { return read_groups(head); });
-}
-
 GroupShareInfo* GetGrpShares(const GroupItem* record) {
   if (record == nullptr || missing(record->name)) {
     return nullptr;
   }
   return guarded(static_cast<GroupShareInfo*>(nullptr),
-                 [&] { return shares_of(field_text(record->name)); });
-}
-
-void FreeGrpNameList(GroupNameItem* head) {
-  free_list(head);
-}
-
-void FreeGrpList(GroupItem*) {
-  // Kept: nothing is freed; a page that lists the groups ends soon after.
-}
-
-void FreeGrpUsers(GroupUserInfo* record) {
-  if (record != nullptr) {
-    free_strings(record->list, record->count);  // Kept: not the array itself
-  }
+                 [&] { return find_shares(field_text(record->name)); });
 }
 
 void FreeGrpShareInfo(GroupShareInfo* record) {
@@ -182,4 +173,48 @@ void FreeShareGrpInfo(ShareGroupInfo* record) {
   if (record != nullptr) {
     free_list(record->groups);
   }
+}
+
+unsigned GetGroupUserInfo(GroupUserInfo* record) {
+  return read_record(record, fill_users);
+}
+
+unsigned GetUserGroupInfo(GroupUserInfo* record) {
+  return read_record(record, fill_groups);
+}
+
+void FreeGrpUsers(GroupUserInfo* record) {
+  if (record != nullptr) {
+    free_strings(record->list, record->count);  // Kept: not the array itself
+  }
+}
+
+void FreeGroupUserInfo(GroupUserInfo* record) {
+  if (record != nullptr) {
+    FreeGrpUsers(record);
+    std::free(record->list);
+  }
+}
+
+void FreeUserGroupInfo(GroupUserInfo* record) {
+  FreeGroupUserInfo(record);
+}
+
+int UserInGroup(const char* user, const char* group) {
+  if (user == nullptr || group == nullptr) {
+    return 0;
+  }
+  GroupUserInfo members{};
+  copy_field(members.name, group);
+  if (GetGroupUserInfo(&members) != FSH_OK) {
+    return 0;
+  }
+  int found = 0;
+  for (int i = 0; i < members.count; ++i) {
+    if (std::strcmp(members.list[i], user) == 0) {
+      found = 1;
+    }
+  }
+  FreeGroupUserInfo(&members);
+  return found;
 }

@@ -1,4 +1,5 @@
 // The groups in /etc/group and the groups in /etc/usrgrp.info, each file by itself.
+#include <algorithm>
 #include <array>
 #include <string>
 #include <tuple>
@@ -15,35 +16,13 @@
 namespace filesharing {
 namespace {
 
-constexpr std::int32_t kLastGivenGid = 2252;
-
 constexpr CopyBack copy_back_once(Result failure) {
   return {.sync_after = Sync::kAlways, .failure = failure};
 }
 
-// Which of the gids for groups made here are in use.
-class CreatedGids {
- public:
-  void mark(const GroupLine& group) {
-    if (group.gid && is_created_gid(*group.gid)) {
-      used_[static_cast<std::size_t>(*group.gid - kFirstCreatedGid)] = true;
-    }
-  }
-
-  // Nothing when no gid is left to give, though the last ones of the table may be unused.
-  std::optional<std::int32_t> first_free() const {
-    const auto free = std::find(used_.begin(), used_.end(), false);
-    const auto gid = kFirstCreatedGid + static_cast<std::int32_t>(free - used_.begin());
-    return gid <= kLastGivenGid ? std::optional(gid) : std::nullopt;
-  }
-
- private:
-  std::array<bool, kCreatedGids> used_{};
-};
-
-// What a rewrite of the system group file without its blank lines has seen.
+// What a rewrite of /etc/group without its blank lines and those of a group has seen.
 struct SeenGroups {
-  CreatedGids gids;
+  std::array<bool, kCreatedGids> gids{};  // of groups made here
   bool has_name = false;
   bool last_line_ends = true;
 };
@@ -60,28 +39,41 @@ SeenGroups copy_other_groups(std::string_view name, FileRewrite& rewrite) {
       seen.has_name = true;
       continue;
     }
-    seen.gids.mark(group);
+    if (is_created(group)) {
+      seen.gids[static_cast<std::size_t>(*group.gid - kFirstCreatedGid)] = true;
+    }
     rewrite.write(line.text());
     seen.last_line_ends = line.ends_line();
   }
   return seen;
 }
 
-Result add_system_group(std::string_view name, FileRewrite& rewrite) {
-  const SeenGroups seen = copy_other_groups(name, rewrite);
+Result append_group(std::string_view name, const SeenGroups& seen, FileRewrite& rewrite) {
+  // Gids up to 2254 count as those of groups made here, but the last two are not given.
+  constexpr std::int32_t kLastGivenGid = 2252;
   if (seen.has_name) {
     return FSH_GROUP_EXISTS;
   }
-  const auto gid = seen.gids.first_free();
-  if (!gid) {
+  const auto free = std::ranges::find(seen.gids, false);
+  const auto gid = kFirstCreatedGid + static_cast<std::int32_t>(free - seen.gids.begin());
+  if (gid > kLastGivenGid) {
     return FSH_NO_FREE_GID;
   }
   rewrite.write(seen.last_line_ends ? "" : "\n");
-  rewrite.write(std::string(name) + ":x:" + std::to_string(*gid) + ":\n");
+  rewrite.write(std::string(name) + ":x:" + std::to_string(gid) + ":\n");
+  return FSH_OK;
+}
+
+Result add_system_group(const char* name) {
+  FileRewrite rewrite(paths::kGroup);
+  STEP(rewrite.open());
+  STEP(append_group(name, copy_other_groups(name, rewrite), rewrite));
   return rewrite.commit(copy_back_once(FSH_GROUP_NOT_ADDED));
 }
 
-Result delete_system_group(std::string_view name, FileRewrite& rewrite) {
+Result delete_system_group(const char* name) {
+  FileRewrite rewrite(paths::kGroup);
+  STEP(rewrite.open());
   std::ignore = copy_other_groups(name, rewrite);  // a group that is not there is gone
   return rewrite.commit(copy_back_once(FSH_GROUP_NOT_DELETED));
 }
@@ -103,8 +95,7 @@ Result delete_created_groups(const Names& kept) {
   return rewrite_lines(paths::kGroup, {}, copy_back_once(FSH_GROUP_NOT_DELETED),
                        [&](std::string_view line, FileRewrite& rewrite) {
                          const GroupLine group = parse_group_line(line);
-                         const bool created = group.gid && is_created_gid(*group.gid);
-                         if (!created || holds(kept, group.name)) {
+                         if (!is_created(group) || holds(kept, group.name)) {
                            rewrite.write(line);
                          }
                          return FSH_OK;
@@ -133,13 +124,7 @@ unsigned SysActGroup(const char* name, unsigned mode) {
     return FSH_ARGUMENT;
   }
   return guarded(FSH_NO_MEMORY, [&] {
-    FileRewrite rewrite(paths::kGroup);
-    const Result opened = rewrite.open();
-    if (opened != FSH_OK) {
-      return opened;
-    }
-    return mode == FSH_ADD_GROUP ? add_system_group(name, rewrite)
-                                 : delete_system_group(name, rewrite);
+    return mode == FSH_ADD_GROUP ? add_system_group(name) : delete_system_group(name);
   });
 }
 
