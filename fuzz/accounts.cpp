@@ -10,8 +10,8 @@
 #include "fuzz/fuzz_input.h"
 #include "fuzz/outside.h"
 #include "groups/group_lines.h"
-#include "users/account_line.h"
-#include "users/user_lists.h"
+#include "users/accounts.h"
+#include "users/user_entries.h"
 
 namespace {
 

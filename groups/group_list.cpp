@@ -64,7 +64,7 @@ class SharesByGroup {
   std::unordered_map<std::string, std::vector<Entry>> entries_;
 };
 
-// Tells what GetGroupId, GetGroupUserInfo and GetGrpShares tell of one group.
+// Answers what GetGroupId, GetGroupUserInfo and GetGrpShares answer for one group.
 class GroupDirectory {
  public:
   // `lists` is /etc/usrgrp.info.

@@ -1,8 +1,8 @@
 #include "users/smb_account.h"
 
-#include <tuple>
-
 #include <unistd.h>
+
+#include <tuple>
 
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
@@ -13,7 +13,6 @@
 #include "platform/utility/utility.h"
 
 namespace filesharing {
-
 namespace {
 
 constexpr std::size_t kPieceLength = 255;

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "conf/appended_file.h"
+#include "conf/names.h"
 #include "conf/paths.h"
 #include "conf/records.h"
 #include "conf/result.h"
@@ -14,10 +15,10 @@
 #include "filesharing/conf.h"
 #include "filesharing/groups.h"
 #include "filesharing/users.h"
-#include "users/account_line.h"
 #include "users/accounts.h"
+#include "users/passwords.h"
 #include "users/smb_account.h"
-#include "users/user_lists.h"
+#include "users/user_entries.h"
 
 namespace filesharing {
 namespace {
@@ -48,7 +49,7 @@ Result append_account(const UserInfo& user) {
 
 Result join_everyone(const UserInfo& user) {
   const char* names[] = {user.name};
-  return AddUsersToSysGroup("everyone", names, 1);
+  return AddUsersToSysGroup(kEveryone.data(), names, 1);
 }
 
 Result add_user(const UserInfo& user) {

@@ -1,12 +1,10 @@
 // Deleting one user, or all of them, from every account file.
 #include <pwd.h>
 
-#include <algorithm>
 #include <array>
 #include <optional>
 
 #include "conf/c_list.h"
-#include "conf/file_rewrite.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/shell.h"
@@ -14,9 +12,8 @@
 #include "conf/transaction.h"
 #include "filesharing/conf.h"
 #include "filesharing/users.h"
-#include "users/group_members.h"
 #include "users/smb_account.h"
-#include "users/user_lists.h"
+#include "users/user_entries.h"
 
 namespace filesharing {
 namespace {
@@ -36,39 +33,17 @@ void end_connections(const char* name) {
   }
 }
 
-Result delete_user_lines(const char* name) {
+Result delete_everywhere(const char* name) {
+  end_connections(name);
   for (const char* path : kFilesWithUserLines) {
     STEP(DelKeyItem(name, path, ':'));
   }
-  return FSH_OK;
-}
-
-Result leave_groups(const char* name) {
   default_child_signal();
-  const CopyBack copy_back{.sync_before = true,
-                           .through = Through::kUtilityLibrary,
-                           .sync_after = Sync::kAlways,
-                           .failure = FSH_MEMBER_NOT_REMOVED};
-  return rewrite_lines(paths::kGroup, {}, copy_back,
-                       [&](std::string_view line, FileRewrite& rewrite) {
-                         const std::optional<std::string> edited = line_without_member(line, name);
-                         rewrite.write(edited.value_or(""));
-                         return edited ? FSH_OK : FSH_MALFORMED;
-                       });
-}
-
-Result leave_lists(const char* name) {
+  STEP(remove_from_groups(name));
   return replace_in_lists(name, std::nullopt,
                           {.through = Through::kUtilityLibrary,
                            .sync_after = Sync::kAlways,
                            .failure = FSH_USER_NOT_DELETED});
-}
-
-Result delete_everywhere(const char* name) {
-  end_connections(name);
-  STEP(delete_user_lines(name));
-  STEP(leave_groups(name));
-  return leave_lists(name);
 }
 
 Result delete_user(const char* name) {

@@ -14,11 +14,10 @@
 #include "conf/transaction.h"
 #include "filesharing/conf.h"
 #include "filesharing/users.h"
-#include "users/account_line.h"
-#include "users/group_members.h"
+#include "users/accounts.h"
+#include "users/passwords.h"
 #include "users/smb_account.h"
-#include "users/user_lists.h"
-#include "users/web_password.h"
+#include "users/user_entries.h"
 
 namespace filesharing {
 namespace {
@@ -92,31 +91,14 @@ Result change_smb_password(const Update& update) {
   return FSH_OK;
 }
 
-Result rename_in_groups(const Update& update) {
-  FileRewrite rewrite(paths::kGroup);
-  STEP(rewrite.open());
-  bool renamed = false;
-  for (LineReader line(rewrite.source()); line.next();) {
-    const RenamedMember edited =
-        line_with_renamed_member(line.text(), update.old_name, update.user.name);
-    rewrite.write(edited.line);
-    renamed = renamed || edited.renamed;
-  }
-  return renamed ? rewrite.commit({.failure = FSH_USER_NOT_UPDATED}) : FSH_OK;
-}
-
-Result rename_account(const Update& update) {
-  const unsigned status = RenameKey1(update.old_name.c_str(), update.user.name, paths::kPasswd);
-  return status == FSH_OK ? FSH_OK : FSH_USER_NOT_UPDATED;
-}
-
 Result rename_user(const Update& update) {
   if (!update.renames()) {
     return FSH_OK;
   }
   STEP(rename_smb_account(update.old_name, update.user.name));
-  STEP(rename_in_groups(update));
-  return rename_account(update);
+  STEP(rename_in_groups(update.old_name, update.user.name));
+  const unsigned status = RenameKey1(update.old_name.c_str(), update.user.name, paths::kPasswd);
+  return status == FSH_OK ? FSH_OK : FSH_USER_NOT_UPDATED;
 }
 
 Result update_lists(const Update& update) {
@@ -156,7 +138,7 @@ Result check_and_update(const char* old_name, const UserInfo& user) {
                 .adds = kMostAddedBytes,
                 .out_of_memory = FSH_USER_NOT_UPDATED},
                [&](Transaction& transaction) { return update_user(*update, transaction); });
-  // Kept: a web password file that can not be opened undoes everything and is not reported.
+  // Kept: a web password file that cannot be opened undoes everything and is not reported.
   return update->web_password_not_opened ? FSH_OK : result;
 }
 

@@ -1,4 +1,5 @@
-// The names of the listed users.
+// Looking users up: the names of all, the record of one, and the check of a password.
+#include <pwd.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -7,15 +8,19 @@
 #include "conf/line_reader.h"
 #include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/stream.h"
+#include "conf/text.h"
 #include "filesharing/users.h"
-#include "users/account_line.h"
+#include "users/accounts.h"
+#include "users/passwords.h"
+#include "users/user_entries.h"
 
 namespace filesharing {
 namespace {
 
-Result read_user_names(UserNameItem** head) {
+Result list_names(UserNameItem** head) {
   Stream accounts = open_stream(paths::kPasswd, "r");
   if (!accounts) {
     return FSH_CANNOT_OPEN;
@@ -47,6 +52,26 @@ Result read_user_names(UserNameItem** head) {
   return FSH_OK;
 }
 
+Result fill_info(UserInfo& record) {
+  Stream lists = open_stream(paths::kUserGroups, "r");
+  if (!lists) {
+    return FSH_CANNOT_OPEN;
+  }
+  const std::string value = read_everyone(lists.get());
+  lists.reset();
+  if (value.empty()) {
+    return FSH_USER_UNKNOWN;
+  }
+  EveryoneReader users(value);
+  while (users.next()) {
+    if (users.user().name == record.name) {
+      fill_from_everyone(record, users.user().number);
+      return fill_from_account(record);
+    }
+  }
+  return users.malformed() ? FSH_USER_UNKNOWN : fill_from_account(record);
+}
+
 }  // namespace
 }  // namespace filesharing
 
@@ -57,7 +82,7 @@ unsigned GetUserNameList(UserNameItem** head) {
     return FSH_ARGUMENT;
   }
   *head = nullptr;
-  return guarded(FSH_NO_MEMORY, [&] { return read_user_names(head); });
+  return guarded(FSH_NO_MEMORY, [&] { return list_names(head); });
 }
 
 void FreeUserNameList(UserNameItem* head) {
@@ -76,4 +101,29 @@ int UserExist(const char* name) {
 unsigned GetNumOfUsers(void) {
   const CList<UserNameItem> names(GetUserNameList, FreeUserNameList);
   return names.result() == FSH_OK ? names.size() : FSH_FAILED;
+}
+
+unsigned GetUserInfo(UserInfo* record) {
+  if (record == nullptr || missing(record->name)) {
+    return FSH_ARGUMENT;
+  }
+  end_text(record->name);
+  copy_field(record->description, "");
+  copy_field(record->password, "");
+  record->quota = 0;
+  return guarded(FSH_NO_MEMORY, [&] { return fill_info(*record); });
+}
+
+int IsUserPassCorrect(const char* name, const char* password) {
+  if (name == nullptr || password == nullptr) {
+    return 0;
+  }
+  return guarded(0, [&] {
+    const passwd* account = getpwnam(name);
+    if (account == nullptr) {
+      return 0;
+    }
+    const PasswordHash stored{.first = account->pw_passwd, .second = account->pw_dir};
+    return password_matches(password, stored) ? 1 : 0;
+  });
 }
