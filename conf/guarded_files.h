@@ -32,6 +32,19 @@ inline constexpr GuardedFile kGuardedFiles[] = {
     {FSH_FILE_WEBPASS, "/tmp/webpass.lck", ".htpasswd"},
 };
 
+// What a change locks, copies and restores as a whole: that of a new user, of any other user, of
+// groups, of groups with their rights in Samba's shares, and of shares.
+inline constexpr int kNewUserFiles =
+    FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS;
+inline constexpr int kUserFiles = kNewUserFiles | FSH_FILE_WEBPASS;
+inline constexpr int kGroupFiles = FSH_FILE_GROUP | FSH_FILE_USER;
+inline constexpr int kGroupAndSmbFiles = kGroupFiles | FSH_FILE_SMB;
+inline constexpr int kShareFiles = FSH_FILE_SHARE | FSH_FILE_SMB;
+
+// All of them, for the recovery; one that holds the files of another comes before it.
+inline constexpr int kChanges[] = {kUserFiles, kNewUserFiles, kGroupAndSmbFiles, kGroupFiles,
+                                   kShareFiles};
+
 }  // namespace filesharing
 
 #endif

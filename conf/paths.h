@@ -51,7 +51,7 @@ inline constexpr char kTemporaryMediaDatabase[] = "/tmp/media.db";
 inline constexpr char kPhotoAlbum[] = "/etc/photo_album";
 inline constexpr char kAlbumUsers[] = "/etc/album_user.conf";
 
-// Locks; the seven of the account and share files stand in lock_files.cpp.
+// Locks; those of the account and share files are in guarded_files.h.
 inline constexpr char kSambaLock[] = "/tmp/samba.lck";
 inline constexpr char kAlbumLock[] = "/tmp/album.lck";
 

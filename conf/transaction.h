@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "conf/guarded_files.h"
 #include "conf/result.h"
 
 namespace filesharing {
@@ -19,7 +20,7 @@ enum class OnFailure {
 };
 
 struct TransactionOptions {
-  int mask;              // of FshFile: locked, backed up and restored
+  int mask;              // of guarded_files.h: locked, backed up and restored
   Result busy = FSH_OK;  // the code when a lock is taken; nothing is unlocked then
   Result no_room;        // the code when a disk has no room for the change; nothing is changed then
   std::uint64_t adds = 0;  // bytes at most, to each file

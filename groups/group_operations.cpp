@@ -21,8 +21,6 @@
 namespace filesharing {
 namespace {
 
-constexpr int kGroupFiles = FSH_FILE_GROUP | FSH_FILE_USER;
-constexpr int kGroupAndSmbFiles = kGroupFiles | FSH_FILE_SMB;
 constexpr std::uint64_t kLineBytes = 16;  // of a new group, besides its name
 constexpr std::array<const char*, 2> kReserved{kEveryone.data(), kAdministrators.data()};
 
@@ -174,7 +172,7 @@ Result rename_group(const char* old_name, const char* new_name) {
                    .busy = FSH_GROUP_NOT_RENAMED,
                    .no_room = FSH_GROUP_NOT_RENAMED,
                    .adds = bytes_added(old_name, new_name),
-                   .unguarded = FSH_FILE_SHARE | FSH_FILE_SMB,
+                   .unguarded = kShareFiles,
                    .repeats = true,
                    .registers = true},
                   [&](Transaction& transaction) -> Result {

@@ -30,7 +30,7 @@ Result change_members(const MemberChange& change, const CopyBack& group_file,
   constexpr std::uint64_t kMostMemberBytes = 32;  // with the quota
   const bool adds = change.action == MemberAction::kAdd;
   const Result failure = failure_of(change.action);
-  return transact({.mask = FSH_FILE_GROUP | FSH_FILE_USER,
+  return transact({.mask = kGroupFiles,
                    .busy = adds ? FSH_ADD_MEMBER_BUSY : failure,
                    .no_room = failure,
                    .adds = adds ? kMostMemberBytes * change.groups.size() * change.users.size() : 0,

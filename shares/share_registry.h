@@ -14,16 +14,12 @@
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/stream.h"
-#include "filesharing/conf.h"
 #include "filesharing/types.h"
 
 namespace filesharing {
 
 // The files of the system registry, in the order in which they are read.
 inline constexpr std::array<const char*, 2> kRegistryFiles{paths::kShares, paths::kRemovableShares};
-
-// What every change of a share locks, backs up and restores.
-inline constexpr int kShareFiles = FSH_FILE_SHARE | FSH_FILE_SMB;
 
 // What a share takes in any of the files at most, besides its groups.
 inline constexpr std::uint64_t kMostShareBytes = 512;

@@ -23,7 +23,6 @@
 namespace filesharing {
 namespace {
 
-constexpr int kAddUserMask = FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS;
 constexpr std::uint64_t kMostLineBytes = 160;  // of a user, in any of the files
 
 std::int32_t first_free_uid() {
@@ -77,7 +76,7 @@ unsigned AddUser(const UserInfo* record) {
   if (ItemExist(user.name, paths::kPasswd) != 0) {
     return FSH_USER_EXISTS;
   }
-  return transact({.mask = kAddUserMask,
+  return transact({.mask = kNewUserFiles,
                    .busy = FSH_USER_NOT_ADDED,
                    .no_room = FSH_USER_NOT_ADDED,
                    .adds = kMostLineBytes,

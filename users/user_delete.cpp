@@ -18,8 +18,6 @@
 namespace filesharing {
 namespace {
 
-constexpr int kDeleteUserMask =
-    FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS | FSH_FILE_WEBPASS;
 constexpr std::array<const char*, 3> kFilesWithUserLines{paths::kPasswd, paths::kWebPasswd,
                                                          paths::kSmbPasswd};
 
@@ -63,7 +61,7 @@ unsigned DelUser(const char* name) {
   if (is_reserved(name)) {
     return FSH_USER_RESERVED;
   }
-  return transact({.mask = kDeleteUserMask,
+  return transact({.mask = kUserFiles,
                    .busy = FSH_USER_NOT_DELETED,
                    .no_room = FSH_USER_NOT_DELETED,
                    .out_of_memory = FSH_USER_NOT_DELETED},

@@ -22,8 +22,6 @@
 namespace filesharing {
 namespace {
 
-constexpr int kUpdateUserMask =
-    FSH_FILE_PASSWORD | FSH_FILE_GROUP | FSH_FILE_USER | FSH_FILE_SMBPASS | FSH_FILE_WEBPASS;
 constexpr std::size_t kPieceLength = 127;
 constexpr std::uint64_t kMostAddedBytes = 160;  // a longer name, description and hash
 
@@ -132,7 +130,7 @@ Result check_and_update(const char* old_name, const UserInfo& user) {
     return FSH_USER_NOT_UPDATED;
   }
   const Result result =
-      transact({.mask = kUpdateUserMask,
+      transact({.mask = kUserFiles,
                 .busy = FSH_UPDATE_USER_BUSY,
                 .no_room = FSH_USER_NOT_UPDATED,
                 .adds = kMostAddedBytes,
