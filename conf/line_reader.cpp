@@ -8,7 +8,7 @@ bool PieceReader::next() {
   text_.clear();
   starts_line_ = at_line_start_;
   while (text_.size() < most_) {
-    const int character = std::getc(stream_);
+    const int character = take_character();
     if (character == EOF) {
       break;
     }
@@ -23,9 +23,21 @@ bool PieceReader::next() {
 
 void PieceReader::skip_rest_of_line() {
   while (!at_line_start_) {
-    const int character = std::getc(stream_);
+    const int character = take_character();
     at_line_start_ = character == '\n' || character == EOF;
   }
+}
+
+int PieceReader::take_character() {
+  if (stream_ != nullptr) {
+    return std::getc(stream_);
+  }
+  if (rest_.empty()) {
+    return EOF;
+  }
+  const auto character = static_cast<unsigned char>(rest_.front());
+  rest_.remove_prefix(1);
+  return character;
 }
 
 bool LineReader::next() {

@@ -1,4 +1,4 @@
-// Iterates the lines of a stream, whole or in pieces of a limited length.
+// Iterates the lines of a stream or of a text, whole or in pieces of a limited length.
 #ifndef FILESHARING_CONF_LINE_READER_H
 #define FILESHARING_CONF_LINE_READER_H
 
@@ -11,12 +11,13 @@
 namespace filesharing {
 
 // Pieces of at most `most` characters; a line feed is part of the piece that it ends. Every byte is
-// delivered, zero bytes too.
+// delivered, zero bytes too. A stream that could not be opened has no pieces.
 class PieceReader {
  public:
   PieceReader(std::FILE* stream, std::size_t most) : stream_(stream), most_(most) {}
+  PieceReader(std::string_view text, std::size_t most) : rest_(text), most_(most) {}
 
-  // Reads the next piece. False at the end of the file.
+  // Reads the next piece. False at the end.
   bool next();
 
   // Skips what is left of the line of the current piece.
@@ -27,7 +28,10 @@ class PieceReader {
   bool ends_line() const { return !text_.empty() && text_.back() == '\n'; }
 
  private:
-  std::FILE* stream_;
+  int take_character();
+
+  std::FILE* stream_ = nullptr;  // without one, the characters are those of rest_
+  std::string_view rest_;
   std::size_t most_;
   std::string text_;
   bool starts_line_ = false;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "conf/line_reader.h"
+#include "conf/text.h"
+
 namespace filesharing {
 
 namespace {
@@ -11,19 +14,11 @@ bool fits(const LineRule& rule, std::string_view line) {
                        : line.find(rule.mark) != std::string_view::npos;
 }
 
-// The line at the front of rest, or a piece of it, with its line feed.
-std::string_view take_piece(std::string_view& rest, std::size_t longest) {
-  const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
-  const std::string_view piece = rest.substr(0, std::min(end, longest));
-  rest.remove_prefix(piece.size());
-  return piece;
-}
-
 void append_lines(std::string& text, std::vector<const LineRule*> rules) {
   std::ranges::stable_sort(rules, {}, &LineRule::appended);
   for (const LineRule* rule : rules) {
-    if (!rule->line.empty() && !text.empty() && text.back() != '\n') {
-      text += '\n';
+    if (!rule->line.empty()) {
+      end_last_line(text);
     }
     text += rule->line;
   }
@@ -40,12 +35,11 @@ std::string apply_rules(std::string_view text, const std::vector<LineRule>& rule
     }
   }
   std::string result;
-  while (!text.empty()) {
-    const std::string_view piece = take_piece(text, longest);
+  for (PieceReader piece(text, longest); piece.next();) {
     const auto rule = std::ranges::find_if(
-        rules, [&](const LineRule& candidate) { return fits(candidate, piece); });
+        rules, [&](const LineRule& candidate) { return fits(candidate, piece.text()); });
     if (rule == rules.end()) {
-      result += piece;
+      result += piece.text();
     } else {
       result += rule->line;
       std::erase(unused, &*rule);

@@ -40,12 +40,14 @@ void read_pieces(std::string text, std::size_t most) {
   const fuzz::File file = fuzz::open_text(text);
   std::string read_back;
   filesharing::PieceReader piece(file.get(), most);
+  filesharing::PieceReader piece_of_text(text, most);
   while (piece.next()) {
+    fuzz::require(piece_of_text.next() && piece_of_text.text() == piece.text());
     fuzz::require(piece.text().size() <= most);
     fuzz::require(piece.starts_line() == (read_back.empty() || read_back.back() == '\n'));
     read_back += piece.text();
   }
-  fuzz::require(read_back == text);
+  fuzz::require(read_back == text && !piece_of_text.next());
 }
 
 void strip(const std::string& text) {
