@@ -1,5 +1,6 @@
 #include "conf/settings.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "conf/text.h"
@@ -32,6 +33,48 @@ bool SettingsSection::begins_with_yes(const char* key, int limit) const {
   return text(key, limit).value_or("").starts_with("yes");
 }
 
+bool SettingField::read(const SettingsSection& section) const {
+  if (number_ != nullptr) {
+    const auto value = section.number(key_.c_str());
+    *number_ = value.value_or(*number_);
+    return value.has_value();
+  }
+  const auto value = section.text(key_.c_str(), limit_);
+  if (value && answer_ != nullptr) {
+    *answer_ = value->starts_with("yes") ? 1 : 0;
+  } else if (value) {
+    std::ranges::fill(text_, '\0');
+    std::ranges::copy(*value, text_.begin());
+  }
+  return value.has_value();
+}
+
+Setting SettingField::setting() const {
+  if (number_ != nullptr) {
+    return {key_, std::to_string(*number_)};
+  }
+  if (answer_ != nullptr) {
+    return {key_, yes_or_no(*answer_ != 0)};
+  }
+  return {key_, std::string(text_.begin(), std::ranges::find(text_, '\0'))};
+}
+
+bool read_fields(const SettingsSection& section, const std::vector<SettingField>& fields) {
+  bool complete = true;
+  for (const SettingField& field : fields) {
+    complete = (field.read(section) || field.optional) && complete;
+  }
+  return complete;
+}
+
+std::vector<Setting> settings_of(const std::vector<SettingField>& fields) {
+  std::vector<Setting> settings;
+  for (const SettingField& field : fields) {
+    settings.push_back(field.setting());
+  }
+  return settings;
+}
+
 int save_settings(const char* section, const std::vector<Setting>& settings) {
   std::vector<ProfileItem> items(settings.size());
   for (std::size_t i = 0; i < settings.size(); ++i) {
@@ -40,6 +83,12 @@ int save_settings(const char* section, const std::vector<Setting>& settings) {
   }
   return PRO_SetMultiItemStr(section, items.data(), static_cast<int>(items.size()),
                              paths::kSettings);
+}
+
+int save_switch_first(const char* section, const char* switch_key,
+                      const std::vector<Setting>& settings) {
+  std::ignore = PRO_SetStr(section, switch_key, settings.front().value.c_str(), paths::kSettings);
+  return save_settings(section, settings);
 }
 
 }  // namespace filesharing

@@ -36,8 +36,8 @@ std::optional<Tunnel> read_tunnel() {
   return Tunnel{port, *https == "yes"};
 }
 
-// What fails here has nobody left to be told.
-void restart(const Tunnel& tunnel) {
+// A failure is not reported: the page has its answer already.
+void restart_tunnel(const Tunnel& tunnel) {
   std::ignore = run_command("/bin/killall stunnel >/dev/null 2>&1");
   if (tunnel.wanted) {
     std::ignore = PRO_SetStr(nullptr, "connect", tunnel.port.c_str(), paths::kStunnel);
@@ -46,13 +46,13 @@ void restart(const Tunnel& tunnel) {
   }
 }
 
-int reset() {
+int apply_https() {
   const auto tunnel = read_tunnel();
   if (!tunnel) {
     return -1;
   }
   const Detached options{.sleep_seconds = 10, .caller_resets_child_signal = true};
-  return static_cast<int>(run_detached(options, [&] { restart(*tunnel); }));
+  return static_cast<int>(run_detached(options, [&] { restart_tunnel(*tunnel); }));
 }
 
 }  // namespace
@@ -61,5 +61,5 @@ int reset() {
 using namespace filesharing;
 
 int ResetHttps(void) {
-  return guarded(-1, reset);
+  return guarded(-1, apply_https);
 }

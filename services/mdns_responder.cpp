@@ -1,4 +1,4 @@
-// What the mDNS responder tells the network.
+// What the mDNS responder tells the network about this server.
 #include <unistd.h>
 
 #include <optional>
@@ -11,9 +11,9 @@
 #include "conf/settings.h"
 #include "conf/shell.h"
 #include "conf/stream.h"
+#include "conf/text.h"
 #include "filesharing/services.h"
 #include "filesharing/shares.h"
-#include "services/afp/rendering.h"
 
 namespace filesharing {
 namespace {
@@ -29,7 +29,33 @@ void stop_responder() {
   std::ignore = run_command("/bin/killall -SIGINT mDNSResponder >/dev/null 2>&1");
 }
 
-// The device's part of what is told; nothing without a name or a web port.
+struct Advertised {
+  std::string device_name;
+  std::string hardware_address;
+  std::string web_port;
+  bool afp = false;
+  std::string time_machine_share = {};  // counts only with afp; may be empty
+};
+
+std::string lines_of(const Advertised& advertised) {
+  const char* name = advertised.device_name.c_str();
+  std::string lines = format("\"%s\"\t_http._tcp\tlocal.\t%s\n", name, advertised.web_port.c_str());
+  if (!advertised.afp) {
+    return lines;
+  }
+  if (!advertised.time_machine_share.empty()) {
+    // Kept: a blank, not a tab, stands behind _adisk._tcp; the responder takes it so.
+    lines += format(
+        "\"%s (Time Machine)\"\t_adisk._tcp local.\t9\t\"sys=waMA=%s\"\t"
+        "\"dk2=adVF=0x83,adVN=[%s],adVU=080ba3d0-0008-1000-0000-0000f4010001\"\n",
+        name, advertised.hardware_address.c_str(), advertised.time_machine_share.c_str());
+    lines += format("\"%s (Time Machine)\"\t_afpovertcp._tcp\tlocal.\t548\n", name);
+  }
+  lines += format("\"%s (AFP)\"\t_afpovertcp._tcp\tlocal.\t548\n", name);
+  return lines;
+}
+
+// What does not depend on AFP; nothing without a name or a web port.
 std::optional<Advertised> read_device() {
   const SettingsFile file;
   if (!file.opened()) {
@@ -56,7 +82,7 @@ void add_afp(Advertised& advertised) {
   }
 }
 
-bool write_services(Advertised& advertised) {
+bool write_configuration(Advertised& advertised) {
   const OldContent old(paths::kMdnsResponder);
   // A failure shows again when the file is opened.
   std::ignore = truncate(paths::kMdnsResponder, 0);
@@ -65,7 +91,7 @@ bool write_services(Advertised& advertised) {
     return false;
   }
   add_afp(advertised);
-  write_text(responder.get(), mdns_services(advertised));
+  write_text(responder.get(), lines_of(advertised));
   const bool written = close_written(std::move(responder));
   if (!written) {
     old.put_back();
@@ -73,14 +99,15 @@ bool write_services(Advertised& advertised) {
   return written;
 }
 
-int reset_responder() {
+int restart_responder() {
   stop_responder();
   auto advertised = read_device();
-  if (!advertised || !write_services(*advertised)) {
+  if (!advertised || !write_configuration(*advertised)) {
     return -1;
   }
   sleep(kSecondsToSettle);
-  std::ignore = run_command("/sbin/mDNSResponder >/dev/null 2>&1");  // nobody waits for it
+  std::ignore =
+      run_command("/sbin/mDNSResponder >/dev/null 2>&1");  // it says itself what it cannot do
   return 0;
 }
 
@@ -90,5 +117,5 @@ int reset_responder() {
 using namespace filesharing;
 
 int ResetmDNSConf(void) {
-  return guarded(-1, reset_responder);
+  return guarded(-1, restart_responder);
 }
