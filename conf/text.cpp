@@ -106,6 +106,16 @@ void end_last_line(std::string& text) {
   }
 }
 
+std::string with_single_slashes(std::string_view path) {
+  std::string result;
+  for (const char character : path) {
+    if (character != '/' || !result.ends_with('/')) {
+      result += character;
+    }
+  }
+  return result;
+}
+
 Halves split_at(std::string_view text, char separator) {
   const std::size_t at = text.find(separator);
   if (at == std::string_view::npos) {

@@ -63,6 +63,9 @@ std::string_view take_line(std::string_view& rest);
 // Ends a last line that has no line feed, so that nothing is glued to it.
 void end_last_line(std::string& text);
 
+// A path with one slash in the place of several.
+std::string with_single_slashes(std::string_view path);
+
 // The text before and behind the first separator; found is false without one, and head the whole.
 struct Halves {
   bool found;

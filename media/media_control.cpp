@@ -11,7 +11,6 @@
 #include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/media.h"
-#include "media/folder_reference.h"
 #include "media/media_servers.h"
 #include "platform/profile/profile.h"
 
@@ -37,8 +36,8 @@ struct Removal {
   }
 };
 
-// Which servers are to be started again, and which are off now. A server whose folder is gone by
-// itself is off for good.
+// Which servers are to be started again, and which are off now. A server whose folder was gone
+// before is off for good.
 struct Stopped {
   unsigned restart = 0;
   unsigned off = 0;
@@ -67,11 +66,10 @@ void stop_folder_server(const FolderServer& server, const SettingsSection& media
     return;
   }
   const auto path = media.text(server.path_key, kPathLimit);
-  FolderReference reference;
-  ShareInfo share{};
-  if (!path || !find_folder(*path, reference, share)) {
+  const auto published = path ? find_folder(*path) : std::nullopt;
+  if (!published) {
     stop(server, stopped);
-  } else if (removal.takes(share)) {
+  } else if (removal.takes(published->share)) {
     stop(server, stopped);
     stopped.restart |= server.bit;
   }
@@ -86,11 +84,8 @@ void stop_upnp(const Removal& removal, Stopped& stopped) {
     return;
   }
   for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
-    FolderReference reference;
-    ShareInfo share{};
-    if (settings.folder_used[slot] != 0 &&
-        find_folder(std::string(field_text(settings.folder_path[slot])), reference, share) &&
-        share.volume == removal.volume) {
+    const auto published = find_folder(settings, slot);
+    if (published && published->share.volume == removal.volume) {
       StopUPnPDaemon(&settings, 1);
       stopped.off |= kUPnP;
       stopped.restart |= kUPnP;
@@ -98,16 +93,19 @@ void stop_upnp(const Removal& removal, Stopped& stopped) {
   }
 }
 
-// A switch that can not be written has nobody to be told.
+// A failure is not reported: the servers are stopped already.
+void write_off(const char* switch_key) {
+  std::ignore = PRO_SetStr1(kMediaSection, switch_key, "no", paths::kSettings);
+}
+
 void persist_off(unsigned off) {
-  constexpr struct {
-    unsigned bit;
-    const char* key;
-  } kSwitches[] = {{kITunes, "itune"}, {kBroadcast, "music_broad"}, {kUPnP, "upnp_av"}};
-  for (const auto& server : kSwitches) {
+  for (const FolderServer& server : kFolderServers) {
     if ((off & server.bit) != 0) {
-      std::ignore = PRO_SetStr1(kMediaSection, server.key, "no", paths::kSettings);
+      write_off(server.switch_key);
     }
+  }
+  if ((off & kUPnP) != 0) {
+    write_off("upnp_av");
   }
 }
 

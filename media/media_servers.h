@@ -1,39 +1,49 @@
-// What the media servers have in common: a switch in the settings file, and a name that is made of
-// the device's when nobody chose one.
+// What the media servers have in common: a switch in the settings file, a name that is made of the
+// device's when nobody chose one, and the folders that they publish.
 #ifndef FILESHARING_MEDIA_MEDIA_SERVERS_H
 #define FILESHARING_MEDIA_MEDIA_SERVERS_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "conf/result.h"
 #include "conf/settings.h"
 #include "filesharing/types.h"
-#include "media/folder_reference.h"
 
 namespace filesharing {
 
 inline constexpr char kMediaSection[] = "media";
 
-// How much of a value counts.
-inline constexpr int kSwitchLimit = 16;
+// How much of a server's name counts.
 inline constexpr int kServerNameLimit = 32;
-inline constexpr int kReferenceLimit = 256;
 
 // A line of a server's configuration file is looked at in pieces of this length.
 inline constexpr std::size_t kLongestLine = 1023;
 
-// Switches a server off in the settings file. A failure has nobody to be told: the server is
-// stopped already, and the page's answer is about its folder.
-void switch_off(const char* key);
+// The name that somebody chose or, when it is empty, the device's with the suffix.
+std::string server_name(const SettingsFile& file, std::string_view chosen, const char* suffix);
 
-// The folder that a server publishes, and its share. FSH_FAILED: the reference does not resolve;
-// the code of GetShareInfo: the share went away just now. The switch goes off when the folder or,
-// just now, the share is gone; not for a share that was unknown all along.
-Result find_folder_or_switch_off(const char* path, const char* switch_key,
-                                 FolderReference& reference, ShareInfo& share);
+// What a reference, "/SHARE" or "/SHARE/SUB/FOLDER", leads to.
+struct PublishedFolder {
+  ShareInfo share;
+  std::string folder;  // empty, or a slash and the folder within the share
+};
 
-// The name under the key, or the device's name with the suffix.
-std::string server_name(const SettingsFile& settings, const char* key, const char* suffix);
+// The folder that the share is on its volume.
+std::string path_of(const ShareInfo& share);
+
+// Nothing when the reference does not resolve.
+std::optional<PublishedFolder> find_folder(std::string_view reference);
+
+// The folder of a slot of the UPnP server, when the slot is in use.
+std::optional<PublishedFolder> find_folder(const UPnPAVSettings& settings, int slot);
+
+// The folder that a server cannot do without: FSH_OK, or FSH_FAILED when the reference does not
+// resolve, or the code of GetShareInfo when the share went away just now. The server's switch
+// becomes "no" in the settings file unless the share was unknown all along.
+Result find_folder_or_switch_off(const char* reference, const char* switch_key,
+                                 PublishedFolder& found);
 
 }  // namespace filesharing
 

@@ -1,20 +1,35 @@
-// The UPnP AV server's settings in the settings file.
+// The UPnP AV server's settings in the settings file, and those that it left the factory with.
 #include <tuple>
 
 #include "conf/result.h"
 #include "conf/settings.h"
+#include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/media.h"
 #include "media/media_servers.h"
-#include "platform/profile/profile.h"
 
 namespace filesharing {
 namespace {
 
-constexpr int kShareLimit = 20;
+// ---- Settings
+
 constexpr int kVersionLimit = 11;
 constexpr int kIntervalLimit = 16;
 constexpr std::int32_t kDefaultCodePage = 437;
+
+std::vector<SettingField> fields_of(UPnPAVSettings& settings) {
+  std::vector<SettingField> fields{{"upnp_av", YesNo{settings.enabled}},
+                                   {"upnp_name", settings.name, kServerNameLimit},
+                                   {"content_scan", settings.content_scan}};
+  for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
+    const std::string suffix = '_' + std::to_string(slot + 1);
+    fields.emplace_back("upnp_av_folder" + suffix, settings.folder_used[slot]);
+    fields.emplace_back("upnp_av_share" + suffix, settings.folder_share[slot]);
+    fields.emplace_back("upnp_av_path" + suffix, settings.folder_path[slot]);
+    fields.emplace_back("content_type" + suffix, settings.content_type[slot]);
+  }
+  return fields;
+}
 
 // The factory's settings know the version of the firmware that runs.
 std::string firmware_version(const SettingsSection& network) {
@@ -24,30 +39,17 @@ std::string firmware_version(const SettingsSection& network) {
   return version ? *version : network.text("version", kVersionLimit).value_or("");
 }
 
-void read_slot(const SettingsSection& media, int slot, UPnPAVSettings& settings) {
-  const auto key = [slot](const char* name) { return format("%s_%d", name, slot + 1); };
-  settings.folder_used[slot] = media.number(key("upnp_av_folder").c_str()).value_or(0);
-  settings.content_type[slot] = media.number(key("content_type").c_str()).value_or(0);
-  copy_field(settings.folder_share[slot],
-             media.text(key("upnp_av_share").c_str(), kShareLimit).value_or(""));
-  copy_field(settings.folder_path[slot],
-             media.text(key("upnp_av_path").c_str(), kReferenceLimit).value_or(""));
-}
-
-int read(UPnPAVSettings& settings) {
+int read_upnp(UPnPAVSettings& settings) {
   settings = {};
   const SettingsFile file;
   if (!file.opened()) {
     return -1;
   }
+  settings.content_scan = -1;
   const SettingsSection media = file.section(kMediaSection);
   const SettingsSection network = file.section("network");
-  settings.enabled = media.begins_with_yes("upnp_av", kSwitchLimit) ? 1 : 0;
-  copy_field(settings.name, server_name(file, "upnp_name", "_Media"));
-  for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
-    read_slot(media, slot, settings);
-  }
-  settings.content_scan = media.number("content_scan").value_or(-1);
+  std::ignore = read_fields(media, fields_of(settings));
+  copy_field(settings.name, server_name(file, settings.name, "_Media"));
   settings.code_page = network.number("code_page").value_or(kDefaultCodePage);
   settings.port = network.number("port").value_or(0);
   copy_field(settings.version, firmware_version(network));
@@ -55,26 +57,35 @@ int read(UPnPAVSettings& settings) {
   return 0;
 }
 
-void add_slot(std::vector<Setting>& items, int slot, const UPnPAVSettings& settings) {
-  const auto key = [slot](const char* name) { return format("%s_%d", name, slot + 1); };
-  items.push_back({key("upnp_av_folder"), std::to_string(settings.folder_used[slot])});
-  items.push_back({key("upnp_av_share"), std::string(field_text(settings.folder_share[slot]))});
-  items.push_back({key("upnp_av_path"), std::string(field_text(settings.folder_path[slot]))});
-  items.push_back({key("content_type"), std::to_string(settings.content_type[slot])});
+int save_upnp(UPnPAVSettings settings) {
+  std::vector<Setting> items = settings_of(fields_of(settings));
+  items.insert(items.begin() + 2, {"scan_interval", std::to_string(settings.scan_interval)});
+  return save_switch_first(kMediaSection, "upnp_av", items);
 }
 
-int save(const UPnPAVSettings& settings) {
-  const char* enabled = yes_or_no(settings.enabled != 0);
-  // The same key is written again below, where the result counts.
-  std::ignore = PRO_SetStr(kMediaSection, "upnp_av", enabled, paths::kSettings);
-  std::vector<Setting> items{{"upnp_av", enabled},
-                             {"upnp_name", std::string(field_text(settings.name))},
-                             {"scan_interval", std::to_string(settings.scan_interval)},
-                             {"content_scan", std::to_string(settings.content_scan)}};
-  for (int slot = 0; slot < FSH_MEDIA_FOLDERS; ++slot) {
-    add_slot(items, slot, settings);
+// ---- The settings that the server left the factory with
+
+constexpr int kFactoryValueLimit = 311;
+
+constexpr const char* kFactoryKeys[] = {
+    "upnp_av",          "upnp_name",        "scan_interval",    "upnp_av_folder_1",
+    "upnp_av_share_1",  "upnp_av_path_1",   "upnp_av_folder_2", "upnp_av_share_2",
+    "upnp_av_path_2",   "upnp_av_folder_3", "upnp_av_share_3",  "upnp_av_path_3",
+    "upnp_av_folder_4", "upnp_av_share_4",  "upnp_av_path_4",
+};
+
+void restore_factory_settings() {
+  const SettingsFile factory(paths::kFactorySettings);
+  if (!factory.opened()) {
+    return;
   }
-  return save_settings(kMediaSection, items);
+  std::vector<Setting> items;
+  for (const char* key : kFactoryKeys) {
+    items.push_back(
+        {key, factory.section(kMediaSection).text(key, kFactoryValueLimit).value_or("")});
+  }
+  std::ignore = save_settings(kMediaSection, items);  // the function has no result
+  std::ignore = run_command("/etc/rc.d/twonkymedia.sh stop >/dev/null 2>&1");
 }
 
 }  // namespace
@@ -83,9 +94,16 @@ int save(const UPnPAVSettings& settings) {
 using namespace filesharing;
 
 int ReadUPnPAVConf(UPnPAVSettings* settings) {
-  return settings == nullptr ? -1 : guarded(-1, [&] { return read(*settings); });
+  return with_record(settings, read_upnp);
 }
 
 int SaveUPnPAVConf(const UPnPAVSettings* settings) {
-  return settings == nullptr ? -1 : guarded(-1, [&] { return save(*settings); });
+  return with_record(settings, save_upnp);
+}
+
+void ResetUPnPAV2Def(void) {
+  guarded(0, [] {
+    restore_factory_settings();
+    return 0;
+  });
 }
