@@ -1,7 +1,10 @@
 #include "album/album_file.h"
 
-#include <functional>
+#include <unistd.h>
 
+#include "conf/line_reader.h"
+#include "conf/lock_files.h"
+#include "conf/paths.h"
 #include "conf/text.h"
 #include "platform/samba/samba.h"
 
@@ -11,41 +14,45 @@ namespace {
 
 constexpr std::string_view kInformation = "information";
 
+constexpr int kAttempts = 15;
+constexpr unsigned kSecondsBetween = 2;
+
 std::string_view without_blanks(std::string_view name) {
   constexpr std::string_view kBlanks = " \t";
   name.remove_prefix(std::min(name.find_first_not_of(kBlanks), name.size()));
   return name.substr(0, name.find_last_not_of(kBlanks) + 1);
 }
 
-// Takes the next piece of a line off the front of rest, without its line feed.
-std::string_view take_piece(std::string_view& rest) {
-  const std::string_view piece = rest.substr(0, kLongestAlbumLine);
-  const Halves line = split_at(piece, '\n');
-  rest.remove_prefix(line.head.size() + (line.found ? 1 : 0));
-  return line.head;
-}
-
-// Rewrites the section of a user: keep tells for each line that is neither the header nor the
-// information whether it stays; end gives what is added behind the last one.
-std::string edit_section(std::string_view text, std::string_view user,
-                         const std::function<bool(std::string_view line)>& keep,
-                         const std::function<std::string()>& end) {
+// Rewrites the sections of a user. The line to add goes to the end of those that have no line of
+// the folder; when there is none to add, the folder's lines go.
+std::string edit_sections(std::string_view text, std::string_view user, std::string_view folder,
+                          const std::string& added) {
   std::string result;
   bool inside = false;
-  while (!text.empty()) {
-    const std::string_view line = take_piece(text);
+  bool present = false;
+  const auto end_section = [&] { result += inside && !present ? added : ""; };
+  for (PieceReader piece(text, kLongestAlbumLine); piece.next();) {
+    const std::string_view line = piece.text().substr(0, piece.text().find('\n'));
     if (line.empty()) {
       continue;
     }
     if (is_header(line)) {
-      result += inside ? end() : "";
+      end_section();
       inside = is_header_of(line, user);
-    } else if (inside && !line.starts_with(kInformation) && !keep(line)) {
-      continue;
+      present = false;
+    } else if (inside && !line.starts_with(kInformation)) {
+      const FolderLine entry = parse_folder_line(line);
+      const bool is_folder = entry.has_folder && entry.folder == folder;
+      const bool stays = added.empty() ? entry.has_folder && !is_folder : entry.has_value;
+      present = present || is_folder;
+      if (!stays) {
+        continue;
+      }
     }
     result.append(line).append("\n");
   }
-  return result + (inside ? end() : "");
+  end_section();
+  return result;
 }
 
 }  // namespace
@@ -56,7 +63,7 @@ bool can_be_user(std::string_view name) {
 }
 
 std::optional<std::string_view> header_user(std::string_view line) {
-  const Halves header = split_at(line, ']');
+  const auto header = split_at(line, ']');
   if (!header.found || !is_header(line) || !can_be_user(header.head.substr(1))) {
     return std::nullopt;
   }
@@ -70,9 +77,9 @@ bool is_header_of(std::string_view line, std::string_view user) {
 }
 
 bool parse_information(std::string_view value, AlbumUserInfo& record) {
-  const Halves text1 = split_at(value, ':');
-  const Halves text2 = split_at(text1.tail, ':');
-  const Halves number1 = split_at(text2.tail, ':');
+  const auto text1 = split_at(value, ':');
+  const auto text2 = split_at(text1.tail, ':');
+  const auto number1 = split_at(text2.tail, ':');
   if (!text1.found || !text2.found || !number1.found) {
     return false;
   }
@@ -90,8 +97,8 @@ std::string information_value(const AlbumUserInfo& record) {
 }
 
 FolderLine parse_folder_line(std::string_view line) {
-  const Halves value = split_at(without_line_end(line), '=');
-  const Halves folder = split_at(value.tail, ':');
+  const auto value = split_at(without_line_end(line), '=');
+  const auto folder = split_at(value.tail, ':');
   return {.has_value = value.found,
           .has_folder = folder.found,
           .right = folder.head,
@@ -100,27 +107,32 @@ FolderLine parse_folder_line(std::string_view line) {
 
 std::string with_folder(std::string_view text, std::string_view user, std::string_view folder,
                         int right) {
-  bool present = false;
-  const auto keep = [&](std::string_view line) {
-    const FolderLine entry = parse_folder_line(line);
-    present = present || (entry.has_folder && entry.folder == folder);
-    return entry.has_value;
-  };
-  const auto end = [&] {
-    const bool missing_one = !present;
-    present = false;
-    return missing_one ? format("album=%d:%s\n", right, std::string(folder).c_str())
-                       : std::string();
-  };
-  return edit_section(text, user, keep, end);
+  return edit_sections(text, user, folder,
+                       format("album=%d:%s\n", right, std::string(folder).c_str()));
 }
 
 std::string without_folder(std::string_view text, std::string_view user, std::string_view folder) {
-  const auto keep = [&](std::string_view line) {
-    const FolderLine entry = parse_folder_line(line);
-    return entry.has_folder && entry.folder != folder;
-  };
-  return edit_section(text, user, keep, [] { return std::string(); });
+  return edit_sections(text, user, folder, "");
+}
+
+AlbumLock::AlbumLock() {
+  for (int attempt = 1; !take_lock_file(paths::kAlbumLock) && attempt < kAttempts; ++attempt) {
+    sleep(kSecondsBetween);
+  }
+}
+
+AlbumLock::~AlbumLock() {
+  if (!stays_) {
+    release_lock_file(paths::kAlbumLock);
+  }
+}
+
+int AlbumLock::end_rewrite(Result result) {
+  // Kept: behind a file that was not copied back the lock stays, and the next change waits for it
+  // in vain.
+  stays_ = result == FSH_FAILED;
+  // Without a temporary file nothing is changed, and that is no failure.
+  return result == FSH_OK || result == FSH_NO_TEMPORARY ? 0 : -1;
 }
 
 }  // namespace filesharing

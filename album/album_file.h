@@ -1,5 +1,5 @@
-// The text of /etc/album_user.conf: a section for each user, with an information line and a line
-// for each folder that the user may see.
+// /etc/album_user.conf, its text and its lock: a section for each user, with an information line
+// and a line for each folder that the user may see.
 //
 //   [anna]
 //   information=text 1:text 2:number 1:number 2
@@ -11,9 +11,12 @@
 #include <string>
 #include <string_view>
 
+#include "conf/result.h"
 #include "filesharing/types.h"
 
 namespace filesharing {
+
+// ---- The text
 
 // A longer line is looked at in pieces of this length, each as if it were a line.
 constexpr std::size_t kLongestAlbumLine = 1023;
@@ -59,6 +62,27 @@ std::string with_folder(std::string_view text, std::string_view user, std::strin
 // The file with the folder no more among the user's. Empty lines go, and lines of the section
 // without "=" or ":".
 std::string without_folder(std::string_view text, std::string_view user, std::string_view folder);
+
+// ---- The lock
+
+// Holds the lock while it is in scope; changes wait for it.
+class AlbumLock {
+ public:
+  // Tries to take the lock 15 times, 2 seconds apart, and then goes on without it: a page that died
+  // with the lock must not shut everybody out.
+  AlbumLock();
+  AlbumLock(const AlbumLock&) = delete;
+  AlbumLock& operator=(const AlbumLock&) = delete;
+
+  // Removes the lock file, whoever made it.
+  ~AlbumLock();
+
+  // What a change returns whose rewrite of the file had this result: 0, or -1.
+  int end_rewrite(Result result);
+
+ private:
+  bool stays_ = false;
+};
 
 }  // namespace filesharing
 

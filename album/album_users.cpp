@@ -19,10 +19,8 @@ constexpr int kAdministratorsRight = 2;
 int count_users() {
   const Stream stream = open_stream(paths::kAlbumUsers, "r");
   int count = 0;
-  if (stream) {
-    for (PieceReader line(stream.get(), kLongestAlbumLine); line.next();) {
-      count += is_header(line.text()) ? 1 : 0;
-    }
+  for (PieceReader line(stream.get(), kLongestAlbumLine); line.next();) {
+    count += is_header(line.text()) ? 1 : 0;
   }
   return count;
 }
@@ -39,9 +37,6 @@ bool go_to_user(PieceReader& line, std::string_view user) {
 
 bool user_exists(std::string_view user) {
   const Stream stream = open_stream(paths::kAlbumUsers, "r");
-  if (!stream) {
-    return false;
-  }
   PieceReader line(stream.get(), kLongestAlbumLine);
   return go_to_user(line, user);
 }
@@ -64,9 +59,6 @@ int right_of(std::string_view user, std::string_view folder) {
     return kAdministratorsRight;
   }
   const Stream stream = open_stream(paths::kAlbumUsers, "r");
-  if (!stream) {
-    return 0;
-  }
   PieceReader line(stream.get(), kLongestAlbumLine);
   for (bool more = go_to_user(line, user) && line.next(); more && !is_header(line.text());
        more = line.next()) {
@@ -115,7 +107,7 @@ int AlbumUserExist(const char* name) {
 }
 
 int GetAlbumUserInfo(AlbumUserInfo* record) {
-  return record == nullptr ? -1 : guarded(-1, [&] { return fill_user(*record); });
+  return with_record(record, fill_user);
 }
 
 int RightOfFolderOnAlbumUser(const char* name, const char* folder) {

@@ -3,22 +3,13 @@
 #include <string>
 
 #include "conf/result.h"
+#include "conf/text.h"
 #include "filesharing/album.h"
 
 namespace filesharing {
 namespace {
 
 constexpr std::size_t kNowhere = std::string::npos;
-
-void collapse_slashes(std::string& path) {
-  std::string result;
-  for (const char character : path) {
-    if (character != '/' || !result.ends_with('/')) {
-      result += character;
-    }
-  }
-  path = std::move(result);
-}
 
 void remove_dots(std::string& path) {
   while (path.starts_with("./")) {
@@ -70,8 +61,7 @@ int de_dotdot(char* path) {
     return 0;
   }
   return guarded(0, [&] {
-    std::string text(path);
-    collapse_slashes(text);
+    std::string text = with_single_slashes(path);
     remove_dots(text);
     remove_parents(text);
     remove_last_parent(text);

@@ -29,10 +29,6 @@ bool SettingsSection::is_yes(const char* key, int limit) const {
   return text(key, limit) == "yes";
 }
 
-bool SettingsSection::begins_with_yes(const char* key, int limit) const {
-  return text(key, limit).value_or("").starts_with("yes");
-}
-
 bool SettingField::read(const SettingsSection& section) const {
   if (number_ != nullptr) {
     const auto value = section.number(key_.c_str());

@@ -29,7 +29,6 @@ class SettingsSection {
 
   // Whether the value is exactly "yes"; a missing key says no.
   bool is_yes(const char* key, int limit) const;
-  bool begins_with_yes(const char* key, int limit) const;
 
  private:
   std::FILE* stream_;

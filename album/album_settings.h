@@ -1,6 +1,6 @@
 // Where the photo album lies: a share, and a folder in it.
-#ifndef FILESHARING_ALBUM_ALBUM_PATH_H
-#define FILESHARING_ALBUM_ALBUM_PATH_H
+#ifndef FILESHARING_ALBUM_ALBUM_SETTINGS_H
+#define FILESHARING_ALBUM_ALBUM_SETTINGS_H
 
 #include <optional>
 #include <string>
