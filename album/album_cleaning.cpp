@@ -9,10 +9,10 @@
 #include "album/album_file.h"
 #include "album/album_settings.h"
 #include "conf/file_rewrite.h"
-#include "conf/folder.h"
 #include "conf/line_reader.h"
 #include "conf/paths.h"
 #include "conf/result.h"
+#include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/album.h"
 

@@ -2,8 +2,8 @@
 
 #include <unistd.h>
 
+#include "conf/guarded_files.h"
 #include "conf/line_reader.h"
-#include "conf/lock_files.h"
 #include "conf/paths.h"
 #include "conf/text.h"
 #include "platform/samba/samba.h"

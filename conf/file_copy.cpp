@@ -8,8 +8,8 @@
 #include <tuple>
 #include <utility>
 
+#include "conf/processes.h"
 #include "conf/room.h"
-#include "conf/shell.h"
 #include "conf/stream.h"
 #include "platform/utility/utility.h"
 

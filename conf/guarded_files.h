@@ -45,6 +45,11 @@ inline constexpr int kShareFiles = FSH_FILE_SHARE | FSH_FILE_SMB;
 inline constexpr int kChanges[] = {kUserFiles, kNewUserFiles, kGroupAndSmbFiles, kGroupFiles,
                                    kShareFiles};
 
+// One attempt to create the lock file. False when it exists or can not be made.
+[[nodiscard]] bool take_lock_file(const char* path);
+
+void release_lock_file(const char* path);
+
 }  // namespace filesharing
 
 #endif

@@ -1,7 +1,7 @@
 // Deleting and renaming keys, colon-keyed lines and sections.
 #include "conf/file_rewrite.h"
 #include "conf/line_reader.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/text.h"
 #include "filesharing/conf.h"
 

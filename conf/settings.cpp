@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "conf/text.h"
+#include "filesharing/conf.h"
 #include "platform/profile/profile.h"
 
 namespace filesharing {
@@ -85,6 +86,19 @@ int save_switch_first(const char* section, const char* switch_key,
                       const std::vector<Setting>& settings) {
   std::ignore = PRO_SetStr(section, switch_key, settings.front().value.c_str(), paths::kSettings);
   return save_settings(section, settings);
+}
+
+std::optional<std::string> read_whole_value(const char* key, std::FILE* stream) {
+  const int length = PRO_GetStrLen(nullptr, key, stream);
+  if (length < 0) {
+    return std::nullopt;
+  }
+  std::string value(static_cast<std::size_t>(length) + 1, '\0');
+  if (FSH_GetStr(nullptr, key, value.data(), length, stream) != FSH_OK) {
+    return std::nullopt;
+  }
+  value.resize(std::strlen(value.c_str()));
+  return value;
 }
 
 }  // namespace filesharing

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <span>
 #include <string>
@@ -112,6 +113,10 @@ template <class Record, class Body>
 int with_record(Record* record, Body&& body) {
   return record == nullptr ? -1 : guarded(-1, [&] { return body(*record); });
 }
+
+// The value of a key that stands before the first section header, as it stands there; nothing when
+// there is no such key.
+std::optional<std::string> read_whole_value(const char* key, std::FILE* stream);
 
 }  // namespace filesharing
 

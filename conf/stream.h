@@ -2,6 +2,7 @@
 #ifndef FILESHARING_CONF_STREAM_H
 #define FILESHARING_CONF_STREAM_H
 
+#include <dirent.h>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -35,6 +36,18 @@ bool ends_within_line(std::FILE* stream);
 
 // The rest of the stream.
 std::string read_rest(std::FILE* stream);
+
+struct CloseFolder {
+  // Nothing was written: there is nothing to lose.
+  void operator()(DIR* folder) const { std::ignore = closedir(folder); }
+};
+
+// A folder that is open for readdir(3); null when it can not be opened.
+using Folder = std::unique_ptr<DIR, CloseFolder>;
+
+inline Folder open_folder(const std::string& path) {
+  return Folder(opendir(path.c_str()));
+}
 
 }  // namespace filesharing
 

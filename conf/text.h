@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "filesharing/types.h"
+
 namespace filesharing {
 
 // printf and vprintf into a string of any length.
@@ -73,6 +75,23 @@ struct Halves {
   std::string_view tail;
 };
 Halves split_at(std::string_view text, char separator);
+
+template <std::size_t N>
+void end_text(char (&field)[N]) {
+  field[N - 1] = '\0';
+}
+
+// Ends every text of a record within its field.
+inline void end_texts(UserInfo& user) {
+  end_text(user.name);
+  end_text(user.description);
+  end_text(user.password);
+}
+inline void end_texts(ShareInfo& share) {
+  end_text(share.name);
+  end_text(share.comment);
+  end_text(share.path);
+}
 
 }  // namespace filesharing
 

@@ -1,6 +1,6 @@
 // A change of several account or share files that happens as a whole or not at all: locks, a look
-// whether there is room to finish it, backup, the change, and then either the mirror of the account
-// files or the restore.
+// whether there is room to finish it, copies of the files, the change, and then either the mirror
+// of the account files or the restore.
 #ifndef FILESHARING_CONF_TRANSACTION_H
 #define FILESHARING_CONF_TRANSACTION_H
 

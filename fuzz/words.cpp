@@ -1,7 +1,7 @@
 // Text on its way to a shell, and as Samba compares it.
 #include <cstring>
 
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/text.h"
 #include "fuzz/fuzz_input.h"
 #include "platform/samba/samba.h"

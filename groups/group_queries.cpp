@@ -8,7 +8,6 @@
 #include "conf/member_list.h"
 #include "conf/names.h"
 #include "conf/paths.h"
-#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/stream.h"
 #include "conf/text.h"

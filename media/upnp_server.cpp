@@ -9,12 +9,11 @@
 #include <tuple>
 #include <utility>
 
-#include "conf/detached.h"
 #include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "conf/volumes.h"

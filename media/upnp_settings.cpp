@@ -1,9 +1,9 @@
 // The UPnP AV server's settings in the settings file, and those that it left the factory with.
 #include <tuple>
 
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/media.h"
 #include "media/media_servers.h"

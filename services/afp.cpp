@@ -4,12 +4,11 @@
 #include <tuple>
 #include <utility>
 
-#include "conf/detached.h"
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/services.h"

@@ -3,12 +3,11 @@
 #include <cstdint>
 #include <tuple>
 
-#include "conf/inetd.h"
 #include "conf/line_rules.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/services.h"
 

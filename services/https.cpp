@@ -5,11 +5,10 @@
 #include <string>
 #include <tuple>
 
-#include "conf/detached.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "filesharing/services.h"
 #include "platform/profile/profile.h"
 

@@ -7,9 +7,9 @@
 
 #include "conf/file_copy.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/services.h"

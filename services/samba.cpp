@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <tuple>
 
-#include "conf/lock_files.h"
+#include "conf/guarded_files.h"
 #include "conf/paths.h"
 #include "conf/result.h"
 #include "conf/settings.h"

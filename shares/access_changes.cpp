@@ -3,7 +3,7 @@
 #include "conf/line_reader.h"
 #include "conf/names.h"
 #include "conf/paths.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/temporary_file.h"
 #include "conf/text.h"
 #include "conf/transaction.h"

@@ -2,12 +2,11 @@
 // hosts.
 #include <tuple>
 
-#include "conf/detached.h"
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
 #include "conf/settings.h"
-#include "conf/shell.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"

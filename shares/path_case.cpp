@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "conf/c_list.h"
-#include "conf/folder.h"
 #include "conf/result.h"
+#include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"
 #include "platform/samba/samba.h"

@@ -3,8 +3,7 @@
 
 #include "conf/names.h"
 #include "conf/paths.h"
-#include "conf/records.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
 #include "filesharing/shares.h"

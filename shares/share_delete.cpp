@@ -4,7 +4,7 @@
 #include "conf/c_list.h"
 #include "conf/names.h"
 #include "conf/paths.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
 #include "filesharing/conf.h"

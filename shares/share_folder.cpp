@@ -7,9 +7,9 @@
 
 #include <tuple>
 
-#include "conf/folder.h"
 #include "conf/paths.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
+#include "conf/stream.h"
 #include "conf/text.h"
 
 namespace filesharing {

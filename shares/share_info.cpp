@@ -4,7 +4,6 @@
 #include <string>
 
 #include "conf/names.h"
-#include "conf/records.h"
 #include "conf/text.h"
 #include "filesharing/conf.h"
 #include "filesharing/shares.h"

@@ -4,7 +4,6 @@
 
 #include "conf/c_list.h"
 #include "conf/names.h"
-#include "conf/records.h"
 #include "conf/result.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"

@@ -9,8 +9,8 @@
 #include <cctype>
 
 #include "conf/names.h"
+#include "conf/settings.h"
 #include "conf/text.h"
-#include "conf/whole_value.h"
 #include "filesharing/shares.h"
 #include "platform/profile/profile.h"
 

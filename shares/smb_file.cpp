@@ -5,7 +5,7 @@
 
 #include "conf/file_rewrite.h"
 #include "conf/paths.h"
-#include "conf/shell.h"
+#include "conf/processes.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "filesharing/shares.h"

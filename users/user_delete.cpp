@@ -6,8 +6,8 @@
 
 #include "conf/c_list.h"
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
-#include "conf/shell.h"
 #include "conf/text.h"
 #include "conf/transaction.h"
 #include "filesharing/conf.h"

@@ -3,8 +3,8 @@
 #include "conf/line_reader.h"
 #include "conf/names.h"
 #include "conf/paths.h"
+#include "conf/settings.h"
 #include "conf/text.h"
-#include "conf/whole_value.h"
 #include "filesharing/users.h"
 
 namespace filesharing {

@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "conf/paths.h"
+#include "conf/processes.h"
 #include "conf/result.h"
-#include "conf/shell.h"
 #include "conf/stream.h"
 #include "conf/text.h"
 #include "conf/volumes.h"

@@ -1,11 +1,10 @@
-#include "conf/lock_files.h"
+#include "conf/guarded_files.h"
 
 #include <tuple>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "conf/guarded_files.h"
 #include "filesharing/conf.h"
 
 namespace filesharing {

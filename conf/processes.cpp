@@ -1,14 +1,40 @@
-#include "conf/detached.h"
+#include "conf/processes.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
-
+#include <cerrno>
 #include <csignal>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
 #include <tuple>
 
-#include "conf/shell.h"
+#include "conf/paths.h"
+#include "conf/text.h"
+#include "platform/utility/utility.h"
 
 namespace filesharing {
+
+int run_command(const char* pattern, ...) {
+  va_list arguments;
+  va_start(arguments, pattern);
+  const std::string command = format_list(pattern, arguments);
+  va_end(arguments);
+  errno = 0;
+  return std::system(command.c_str());
+}
+
+void default_child_signal() {
+  std::ignore = std::signal(SIGCHLD, SIG_DFL);
+}
+
+std::string shell_escaped(std::string_view text) {
+  const std::string plain(text);
+  std::string escaped(2 * plain.size() + 1, '\0');
+  DBCS_SpecialChar(plain.c_str(), escaped.data(), "\"$\\`");
+  escaped.resize(std::strlen(escaped.c_str()));
+  return escaped;
+}
 
 namespace {
 
@@ -61,6 +87,17 @@ Result run_detached_until_failure(const Detached& options, const std::function<R
   settle_in(options);
   STEP(guarded<Result>(FSH_OK, work));
   _exit(0);
+}
+
+void stop_inetd() {
+  std::ignore = chmod(paths::kInetd, 0644);  // the copy is in place, with the mode it had
+  std::ignore = run_command("/bin/killall inetd 2>/dev/null");  // it need not run
+}
+
+Result start_inetd_detached() {
+  return run_detached({.closes_descriptors = false, .sleep_seconds = 1}, [] {
+    execl(paths::kRestartInetd, "rc.xinetd", static_cast<char*>(nullptr));
+  });
 }
 
 }  // namespace filesharing
