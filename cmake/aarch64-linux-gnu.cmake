@@ -1,0 +1,5 @@
+# 64-bit ARM with Debian's cross compiler: the library alone, for there is no emulator to test in.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
