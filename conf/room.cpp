@@ -59,10 +59,11 @@ Room::FileSystem* Room::of(const std::string& path, dev_t device) {
   const auto free = [](auto all, auto unused) {
     return all == 0 ? kNoLimit : static_cast<std::int64_t>(unused);
   };
-  file_systems_.push_back({.device = device,
-                           .block_size = std::max<std::int64_t>(1, status.f_frsize),
-                           .free_blocks = free(status.f_blocks, status.f_bfree),
-                           .free_files = free(status.f_files, status.f_ffree)});
+  file_systems_.push_back(
+      {.device = device,
+       .block_size = std::max(std::int64_t{1}, static_cast<std::int64_t>(status.f_frsize)),
+       .free_blocks = free(status.f_blocks, status.f_bfree),
+       .free_files = free(status.f_files, status.f_ffree)});
   return &file_systems_.back();
 }
 
