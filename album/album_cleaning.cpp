@@ -101,7 +101,7 @@ int prune(const char* sub) {
     return 0;
   }
   return lock.end_rewrite(rewrite_text(paths::kAlbumUsers, {}, {}, [&](std::string_view text) {
-    const std::string result = without_gone_folders(text);
+    std::string result = without_gone_folders(text);
     current.enter();  // before the file is copied back
     return result;
   }));
@@ -131,8 +131,8 @@ int remove_orphans(const std::string& folder) {
   while (const dirent* entry = readdir(entries.get())) {
     const std::string name = entry->d_name;
     const std::string_view picture = picture_of(name);
-    if (!picture.empty() && !is_there(folder + '/' + std::string(picture))) {
-      unlink((thumbnails + '/' + name).c_str());
+    if (!picture.empty() && !is_there(std::string(folder).append("/").append(picture))) {
+      unlink(std::string(thumbnails).append("/").append(name).c_str());
     }
   }
   return 0;

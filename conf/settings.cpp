@@ -66,6 +66,7 @@ bool read_fields(const SettingsSection& section, const std::vector<SettingField>
 
 std::vector<Setting> settings_of(const std::vector<SettingField>& fields) {
   std::vector<Setting> settings;
+  settings.reserve(fields.size());
   for (const SettingField& field : fields) {
     settings.push_back(field.setting());
   }

@@ -84,11 +84,12 @@ std::string with_afp_access(std::string_view text, std::string_view share,
         return remaining.has(group) && group.name[0] != '\0' && group.rights != FSH_READ_ONLY;
       },
       "");
+  const std::string lists = " rwlist:" + writers + " allow:" + users + '\n';
   std::string result;
   while (!text.empty()) {
     const std::string_view line = take_line(text);
     if (const auto head = head_with_name(line, share)) {
-      result.append(*head).append(" rwlist:" + writers + " allow:" + users + '\n');
+      result.append(*head).append(lists);
     } else {
       result += line;
     }

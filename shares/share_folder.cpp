@@ -1,7 +1,5 @@
 #include "shares/share_folder.h"
 
-#include <tuple>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
